@@ -1,0 +1,137 @@
+/*
+ * quent_dgtrend.h - C interface of the QuentDGtrendFittingEngine library.
+ *
+ * The library fits chemical denaturation curves (signal against denaturant
+ * concentration) with one-, two- or three-transition unfolding models and
+ * reduces the fitted free energies to a trend over sample concentration.
+ *
+ * Conventions shared by every function below:
+ *  - Arrays are column-major.  A vector argument is read by the stride of its
+ *    first dimension: entry i of a vector is data[size[0] * i], so a host may
+ *    pass a matrix and only its first row is seen.
+ *  - A "pair" argument is a read-only data pointer followed by a pointer to two
+ *    int32_T dimension lengths.
+ *  - Output records (RealArray*, Int32Array*) are created by the host with the
+ *    wrappers below around buffers of its own.  When a result does not fit the
+ *    host's buffer the library allocates a larger one with malloc, copies what
+ *    the record held, and points the record at it (canFreeData becomes true);
+ *    the host's buffer is then left alone and no longer referred to.  Always
+ *    read data and size back from the record after a call.
+ *  - Failure is a value, never an error code: a failed fit row has -1 in
+ *    column 12.  No function allocates anything that outlives the call except
+ *    the grown storage of an output record.
+ *  - Nothing here is thread-safe for the fitting calls unless stated otherwise.
+ *
+ * This header compiles as C99 and as C++.
+ */
+#ifndef QUENT_DGTREND_H
+#define QUENT_DGTREND_H
+
+#include <stdbool.h>
+#include <stdint.h>
+
+#if defined(QUENT_BUILDING_LIBRARY)
+#define QUENT_API __attribute__((visibility("default")))
+#else
+#define QUENT_API
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+typedef double real_T;
+typedef int32_t int32_T;
+
+/* The dynamic array record.  The live element count is the product of the
+ * size entries; allocatedSize is the capacity of data in elements. */
+typedef struct RealArray {
+    real_T *data;
+    int32_T *size;
+    int32_T allocatedSize;
+    int32_T numDimensions;
+    bool canFreeData;
+} RealArray;
+
+typedef struct Int32Array {
+    int32_T *data;
+    int32_T *size;
+    int32_T allocatedSize;
+    int32_T numDimensions;
+    bool canFreeData;
+} Int32Array;
+
+typedef struct BoolArray {
+    bool *data;
+    int32_T *size;
+    int32_T allocatedSize;
+    int32_T numDimensions;
+    bool canFreeData;
+} BoolArray;
+
+/*
+ * Wraps a host buffer of rows * cols elements in a new 2-D record that does
+ * not own it (canFreeData false).  The record and its size vector are
+ * allocated with malloc and are never freed by the library.  The real_T and
+ * int32_T names are one entry: the element type plays no part.
+ */
+QUENT_API RealArray *QUENT_emxCreateWrapper_real_T(real_T *data, int32_T rows,
+                                                   int32_T cols);
+QUENT_API Int32Array *QUENT_emxCreateWrapper_int32_T(int32_T *data,
+                                                     int32_T rows,
+                                                     int32_T cols);
+
+/*
+ * Scales a curve: scaled[i] = values[i] * (target / reference), or the values
+ * unchanged when reference is not above 0.  `scaled` is a host buffer with
+ * room for every entry of `values`; scaledSize receives {1, length}.
+ */
+QUENT_API void QUENT_dGtrend_normalization(const real_T *values,
+                                           const int32_T *valuesSize,
+                                           real_T reference, real_T target,
+                                           real_T *scaled,
+                                           int32_T *scaledSize);
+
+/*
+ * Draws the trend G(c) = intercept + slope * ln(c) on pointCount evenly
+ * spaced concentrations from the smallest to the largest entry of conc.
+ * coefficients = {slope, intercept}, as returned by the reduction step.
+ * Both outputs become 1-by-pointCount.  With fewer than two concentrations or
+ * pointCount below 1 both outputs are the single value 1.0 (not a grid).
+ */
+QUENT_API void QUENT_dGtrend_trend(const real_T *conc, const int32_T *concSize,
+                                   const real_T *coefficients,
+                                   int32_T pointCount, RealArray *concGrid,
+                                   RealArray *trendCurve);
+
+/*
+ * Fractions on the same grid as QUENT_dGtrend_trend, at temperatureC in
+ * degrees Celsius (unchecked):
+ *  - fd:      fraction unfolded K / (K + 1), K = exp(-G / RT);
+ *  - fragg:   fraction associated relative to the lowest concentration
+ *             (all zeros for a slope of exactly 0);
+ *  - fraggfd: fragg divided by the unfolded fraction (all zeros unless the
+ *             slope is below 0).
+ * The failure answer for short input is that of QUENT_dGtrend_trend.
+ */
+QUENT_API void QUENT_dGtrend_fd(const real_T *conc, const int32_T *concSize,
+                                const real_T *coefficients, int32_T pointCount,
+                                real_T temperatureC, RealArray *concGrid,
+                                RealArray *fractionCurve);
+QUENT_API void QUENT_dGtrend_fragg(const real_T *conc, const int32_T *concSize,
+                                   const real_T *coefficients,
+                                   int32_T pointCount, real_T temperatureC,
+                                   RealArray *concGrid,
+                                   RealArray *fractionCurve);
+QUENT_API void QUENT_dGtrend_fraggfd(const real_T *conc,
+                                     const int32_T *concSize,
+                                     const real_T *coefficients,
+                                     int32_T pointCount, real_T temperatureC,
+                                     RealArray *concGrid,
+                                     RealArray *fractionCurve);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* QUENT_DGTREND_H */

@@ -1,0 +1,68 @@
+// The C interface: thin forwarders to the routines that own the work.  The
+// library is built without exceptions, so nothing can cross this border.
+#include "quent_dgtrend.h"
+
+#include "analysis/normalization.h"
+#include "analysis/trend_fractions.h"
+#include "frame/array.h"
+
+using namespace quent;
+
+extern "C" {
+
+QUENT_API RealArray* QUENT_emxCreateWrapper_real_T(real_T* data, int32_T rows, int32_T cols) {
+  RealArray* a = nullptr;
+  arrayInit(&a, 2);
+  if (a == nullptr || a->size == nullptr) {
+    arrayFree(&a);
+    return nullptr;
+  }
+  arrayWrap(a, data, rows, cols);
+  return a;
+}
+
+// One entry under two names: the records share their layout and the element
+// type plays no part in wrapping.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wattribute-alias"
+QUENT_API Int32Array* QUENT_emxCreateWrapper_int32_T(int32_T* data, int32_T rows, int32_T cols)
+    __attribute__((alias("QUENT_emxCreateWrapper_real_T")));
+#pragma GCC diagnostic pop
+
+QUENT_API void QUENT_dGtrend_normalization(const real_T* values, const int32_T* valuesSize,
+                                           real_T reference, real_T target, real_T* scaled,
+                                           int32_T* scaledSize) {
+  normalization(values, valuesSize, reference, target, scaled, scaledSize);
+}
+
+QUENT_API void QUENT_dGtrend_trend(const real_T* conc, const int32_T* concSize,
+                                   const real_T* coefficients, int32_T pointCount,
+                                   RealArray* concGrid, RealArray* trendCurve) {
+  drawTrend(conc, concSize, coefficients, pointCount, concGrid, trendCurve);
+}
+
+QUENT_API void QUENT_dGtrend_fd(const real_T* conc, const int32_T* concSize,
+                                const real_T* coefficients, int32_T pointCount,
+                                real_T temperatureC, RealArray* concGrid,
+                                RealArray* fractionCurve) {
+  drawFraction(FractionKind::Unfolded, conc, concSize, coefficients, pointCount, temperatureC,
+               concGrid, fractionCurve);
+}
+
+QUENT_API void QUENT_dGtrend_fragg(const real_T* conc, const int32_T* concSize,
+                                   const real_T* coefficients, int32_T pointCount,
+                                   real_T temperatureC, RealArray* concGrid,
+                                   RealArray* fractionCurve) {
+  drawFraction(FractionKind::Associated, conc, concSize, coefficients, pointCount, temperatureC,
+               concGrid, fractionCurve);
+}
+
+QUENT_API void QUENT_dGtrend_fraggfd(const real_T* conc, const int32_T* concSize,
+                                     const real_T* coefficients, int32_T pointCount,
+                                     real_T temperatureC, RealArray* concGrid,
+                                     RealArray* fractionCurve) {
+  drawFraction(FractionKind::AssociatedOverUnfolded, conc, concSize, coefficients, pointCount,
+               temperatureC, concGrid, fractionCurve);
+}
+
+}  // extern "C"

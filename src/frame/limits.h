@@ -1,0 +1,24 @@
+// Caps that hold across the library: they size every fixed buffer.
+#pragma once
+
+#include "quent_dgtrend.h"
+
+namespace quent {
+
+constexpr int32_T kMaxFitPoints = 384;     // points of one curve in any fit
+constexpr int32_T kMaxCurvePoints = 2304;  // points of one curve in a call
+constexpr int32_T kMaxCurves = 96;         // curves in one call
+constexpr int32_T kRowColumns = 24;        // columns of a fit result row
+
+// Every element of a failed parameter vector, and the failure value of every
+// quality measure.
+constexpr real_T kFailed = -1.0;
+
+// RT at 25 degrees Celsius, used by the refits that are given no temperature.
+constexpr real_T kFixedRT = 592.4836799999999;
+
+inline real_T rtFromCelsius(real_T temperatureC) {
+  return (temperatureC + 273.15) * 1.9872;
+}
+
+}  // namespace quent
