@@ -32,6 +32,7 @@ class FitRow : public testing::Test {
     for (int i = 0; i < 30; ++i) x[i] = 0.2 * i;
     curveModel<T>(p.data(), x, 30, y);
     y[7] += 0.05;  // a residual, so that e is not 0
+    std::fill(row, row + kRowColumns, 99.0);  // every column must be written
   }
 };
 using Counts = testing::Types<std::integral_constant<int, 1>, std::integral_constant<int, 2>,
