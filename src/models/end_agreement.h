@@ -11,8 +11,8 @@ namespace quent {
 // there lie within 0.02 of the signal range of the model fraction, measured
 // from the native intercept alone; else 0.0.  Both are 0.0 when the first
 // energy is negative (with two or three transitions also when it is NaN),
-// when x and y differ in length, have fewer than 5 points or more than 384,
-// or when the first fraction is -1 or below.
+// when y has fewer than 5 points or not as many as the fraction was evaluated
+// at (min(xCount, 384)), or when the first fraction is -1 or below.
 template <int T>
 void endAgreement(const real_T* x, int32_T xCount, const real_T* y, int32_T yCount,
                   const real_T* params, real_T out[2]);
