@@ -4,7 +4,6 @@
 // factorisation passes over work whose result it knows bit for bit.
 #include "numerics/pivoted_qr.h"
 
-#include <cfloat>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -46,10 +45,17 @@ bool allZero(const real_T* x, int32_T count) {
   return true;
 }
 
+// An all-ones exponent (infinity or NaN) carries into the top bit when one
+// is added to it; integer steps only, so the scan vectorises.
 bool allFinite(const real_T* x, int32_T count) {
-  bool finite = true;
-  for (int32_T i = 0; i < count; ++i) finite &= std::fabs(x[i]) <= DBL_MAX;
-  return finite;
+  constexpr std::uint64_t kExponent = 0x7ff0000000000000ull, kExponentOne = 1ull << 52;
+  std::uint64_t carry = 0;
+  for (int32_T i = 0; i < count; ++i) {
+    std::uint64_t b;
+    std::memcpy(&b, x + i, sizeof b);
+    carry |= (b & kExponent) + kExponentOne;
+  }
+  return (carry >> 63) == 0;
 }
 
 void scaleStretch(real_T* x, int32_T count, real_T factor) {
@@ -67,7 +73,9 @@ real_T dotStretch(const real_T* c, const real_T* v, int32_T len) {
   return w;
 }
 
-void reflectStretch(real_T* c, const real_T* v, int32_T len, real_T w, real_T minusTau) {
+// c and v are stretches of different columns.
+void reflectStretch(real_T* __restrict c, const real_T* __restrict v, int32_T len, real_T w,
+                    real_T minusTau) {
   if (w == 0.0) return;
   const real_T temp = w * minusTau;
   for (int32_T i = 0; i < len; ++i) c[i] = c[i] + v[i] * temp;
@@ -160,8 +168,8 @@ void downdateNorms(real_T* a, int32_T m, int32_T k, QrWork& wk) {
 }
 
 void swapColumns(real_T* a, int32_T m, int32_T i, int32_T j) {
-  real_T* ci = column(a, m, i);
-  real_T* cj = column(a, m, j);
+  real_T* __restrict ci = column(a, m, i);
+  real_T* __restrict cj = column(a, m, j);
   for (int32_T r = 0; r < m; ++r) {
     const real_T t = ci[r];
     ci[r] = cj[r];

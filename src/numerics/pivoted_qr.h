@@ -16,7 +16,7 @@ real_T scaledNorm2(const real_T* x, int32_T count);
 real_T safeHypot(real_T u, real_T v);
 
 // 1-based place of the first largest |x[i]| (a later entry wins only when
-// strictly larger, so a NaN never wins); 0 for count < 1.
+// strictly larger, so a NaN after the first never wins); 0 for count < 1.
 int32_T firstMaxAbs(const real_T* x, int32_T count);
 
 // Turns the stretch p[0..count), count >= 2, into a Householder reflector:

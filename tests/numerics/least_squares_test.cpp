@@ -12,7 +12,7 @@
 namespace quent::test {
 namespace {
 
-TEST(VectorKernels, KeepTheirPrescribedRoundings) {
+TEST(VectorKernels, KeepTheirOrderOfRounding) {
   const double x[] = {4.0, 2.0, 11.0}, huge[] = {3e300, 4e300}, single = -7.5;
   EXPECT_EQ(scaledNorm2(x, 3), 0x1.7bfa9c41ab041p+3);  // sum * (t * t) ends a bit lower
   EXPECT_EQ(scaledNorm2(x, 0), 0.0);
