@@ -1,8 +1,35 @@
 #include "engine/damped_step.h"
 
 #include <cmath>
+#include <cstdint>
+#include <cstring>
 
 namespace quent {
+namespace {
+
+// Bit tests that vectorise: every entry +0 or -0; every entry finite.
+bool allZero(const real_T* x, int32_T count) {
+  std::uint64_t any = 0;
+  for (int32_T i = 0; i < count; ++i) {
+    std::uint64_t b;
+    std::memcpy(&b, x + i, sizeof b);
+    any |= b << 1;
+  }
+  return any == 0;
+}
+
+bool allFinite(const real_T* x, long long count) {
+  constexpr std::uint64_t kExponent = 0x7ff0000000000000ull, kExponentOne = 1ull << 52;
+  std::uint64_t carry = 0;
+  for (long long i = 0; i < count; ++i) {
+    std::uint64_t b;
+    std::memcpy(&b, x + i, sizeof b);
+    carry |= (b & kExponent) + kExponentOne;
+  }
+  return (carry >> 63) == 0;
+}
+
+}  // namespace
 
 void lmStep(const real_T* J, int32_T rows, int32_T cols, const real_T* r, real_T damping,
             real_T* step, const StepWork& work) {
@@ -11,32 +38,32 @@ void lmStep(const real_T* J, int32_T rows, int32_T cols, const real_T* r, real_T
 
   // Marquardt scale of each column, under J in the damped matrix.  A column
   // of zeros gets a scale of exactly 0.0 and stays a zero column.
+  //
+  // Guard: a NaN in the damped matrix, seen through its column sums (so an
+  // infinity passes unless the column also holds the opposite one, perhaps
+  // reached by overflow), or in the right-hand side gives no step at all.
+  // A column of finite entries cannot sum to NaN, and a column of zeros
+  // sums to zero: only columns holding an infinity or a NaN are summed.
+  int32_T nanCount = 0;
   for (int32_T j = 0; j < cols; ++j) {
     const real_T* column = J + static_cast<long long>(rows) * j;
     real_T* target = jplus + height * j;
+    if (rows > 0) std::memcpy(target, column, sizeof(real_T) * static_cast<std::size_t>(rows));
+    std::memset(target + rows, 0, sizeof(real_T) * static_cast<std::size_t>(cols));
+    if (allZero(column, rows)) continue;  // scale sqrt(+0 * damping) = +0
     real_T sumOfSquares = 0.0;
-    for (int32_T i = 0; i < rows; ++i) {
-      sumOfSquares += column[i] * column[i];
-      target[i] = column[i];
-    }
-    for (int32_T i = 0; i < cols; ++i) target[rows + i] = 0.0;
+    for (int32_T i = 0; i < rows; ++i) sumOfSquares += column[i] * column[i];
     target[rows + j] = std::sqrt(sumOfSquares * damping);
-  }
-  for (int32_T i = 0; i < rows; ++i) work.rplus[i] = r[i];
-  for (int32_T i = 0; i < cols; ++i) work.rplus[rows + i] = 0.0;
-
-  // Guard: a NaN in the matrix (seen through its column sums, so an infinity
-  // passes unless its column also holds the opposite one) or in the
-  // right-hand side gives no step at all.
-  int32_T nanCount = 0;
-  for (int32_T j = 0; j < cols; ++j) {
-    const real_T* column = jplus + height * j;
+    if (allFinite(target, height)) continue;
     real_T sum = 0.0;
-    for (long long i = 0; i < height; ++i) sum += column[i];
+    for (long long i = 0; i < height; ++i) sum += target[i];
     if (std::isnan(sum)) ++nanCount;
   }
-  for (long long i = 0; i < height; ++i)
-    if (std::isnan(work.rplus[i])) ++nanCount;
+  for (int32_T i = 0; i < rows; ++i) {
+    work.rplus[i] = r[i];
+    if (std::isnan(r[i])) ++nanCount;
+  }
+  for (int32_T i = 0; i < cols; ++i) work.rplus[rows + i] = 0.0;
   if (nanCount >= 1) {
     for (int32_T j = 0; j < cols; ++j) step[j] = 0.0;
     return;

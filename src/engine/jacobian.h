@@ -34,6 +34,8 @@ int32_T lmJacobian(const real_T* block, int32_T f, real_T* fullVector,
   // +0.0, and then the untouched entries no longer reproduce the fitted curve.
   bool signedZeroParameter = false;
   for (int32_T j = 0; j < f; ++j) signedZeroParameter |= block[j] == 0.0 && std::signbit(block[j]);
+  bool fittedFinite = true;
+  for (int32_T i = 0; i < n; ++i) fittedFinite &= std::isfinite(fitted[i]);
 
   for (int32_T k = 0; k < entries; ++k) {
     real_T increment;
@@ -47,6 +49,13 @@ int32_T lmJacobian(const real_T* block, int32_T f, real_T* fullVector,
     } else {
       increment = block[k] * kDifferenceFactor;
     }
+    real_T* column = J + static_cast<long long>(rows) * k;
+    if (k >= f && !signedZeroParameter && fittedFinite) {
+      // (fitted - fitted) is +0.0 at every point.
+      const real_T value = 0.0 / increment;
+      for (int32_T i = 0; i < rows; ++i) column[i] = value;
+      continue;
+    }
     const real_T* trial = fitted;
     if (k < f || signedZeroParameter) {
       for (int32_T j = 0; j < f; ++j) trialBlock[j] = block[j] + 0.0;
@@ -54,7 +63,6 @@ int32_T lmJacobian(const real_T* block, int32_T f, real_T* fullVector,
       bindParameters(fullVector, binding, trialBlock, entries, trialValues);
       trial = trialValues;
     }
-    real_T* column = J + static_cast<long long>(rows) * k;
     int32_T r = 0;
     for (int32_T i = 0; i < n; ++i)
       if (!nanMask[i]) column[r++] = (trial[i] - fitted[i]) / increment;

@@ -78,15 +78,11 @@ struct Workspace {
   ~Workspace() { std::free(storage); }
 };
 
-// Model at the block into ws.fitted, and the residual list y - fitted into
+// The residual list y - fitted (points flagged in nanMask left out) into
 // ws.residuals; returns the sum of squares, accumulated in order.
-template <class Model>
-real_T evaluateResiduals(const real_T* y, real_T* fullVector, const FitBinding<Model>& binding,
-                         const real_T* block, int32_T entries, Workspace& ws,
-                         int32_T* listLength) {
-  bindParameters(fullVector, binding, block, entries, ws.fitted);
+inline real_T residualsOfFitted(const real_T* y, int32_T n, Workspace& ws, int32_T* listLength) {
   int32_T kept = 0;
-  for (int32_T i = 0; i < binding.n; ++i)
+  for (int32_T i = 0; i < n; ++i)
     if (!ws.nanMask[i]) ws.residuals[kept++] = y[i] - ws.fitted[i];
   *listLength = kept;
   real_T sse = 0.0;
@@ -114,8 +110,10 @@ void lmFit(const real_T* x, const real_T* y, int32_T n, real_T* fullVector,
     ws.nanMask[i] = std::isnan(y[i]) || std::isnan(ws.fitted[i]);
     nanCount += ws.nanMask[i] ? 1 : 0;
   }
+  // The model is a pure function of the block: the start values just computed
+  // serve the first residual list as well.
   int32_T listLength = 0;
-  real_T sse = lm::evaluateResiduals(y, fullVector, binding, block, entries, ws, &listLength);
+  real_T sse = lm::residualsOfFitted(y, n, ws, &listLength);
 
   // One NaN in the response or in the first model values means no iteration
   // at all, although the residual list knows how to drop such points.
@@ -130,7 +128,8 @@ void lmFit(const real_T* x, const real_T* y, int32_T n, real_T* fullVector,
     auto tryStep = [&]() {
       lmStep(ws.jacobian, rows, entries, ws.passResiduals, damping, ws.step, ws.stepWork);
       for (int32_T k = 0; k < entries; ++k) block[k] = ws.blockOld[k] + ws.step[k];
-      sse = lm::evaluateResiduals(y, fullVector, binding, block, entries, ws, &listLength);
+      bindParameters(fullVector, binding, block, entries, ws.fitted);
+      sse = lm::residualsOfFitted(y, n, ws, &listLength);
     };
     tryStep();
     if (sseOld > sse) {

@@ -228,6 +228,9 @@ real_T scaledNorm2(const real_T* x, int32_T count) {
   real_T sum = 0.0;
   for (int32_T i = 0; i < count; ++i) {
     const real_T a = std::fabs(x[i]);
+    // A zero adds (0 / scale)^2 = +0 to a sum that is never -0: pass it over
+    // (the damped systems are mostly zeros).
+    if (a == 0.0) continue;
     if (a > scale) {
       const real_T t = scale / a;
       sum = 1.0 + sum * t * t;

@@ -1,0 +1,165 @@
+// The damped step and the solves behind it, and the Jacobian's shortcut for
+// the block entries the model never reads, checked against a literal
+// evaluation of every column.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <random>
+#include <vector>
+
+#include "engine/damped_step.h"
+#include "engine/jacobian.h"
+#include "engine/left_divide.h"
+#include "engine/model_bindings.h"
+#include "frame/limits.h"
+
+namespace quent {
+namespace {
+
+bool sameBits(real_T a, real_T b) {
+  return (std::isnan(a) && std::isnan(b)) || std::memcmp(&a, &b, sizeof a) == 0;
+}
+
+struct StepBuffers {
+  std::vector<real_T> jplus, rplus, tau, rhs, step;
+  std::vector<int32_T> jpvt;
+  StepWork work;
+  StepBuffers(int32_T rows, int32_T cols)
+      : jplus((rows + cols) * cols), rplus(rows + cols), tau(cols), rhs(rows + cols), step(cols),
+        jpvt(cols) {
+    work = {jplus.data(), rplus.data(), {tau.data(), jpvt.data(), rhs.data()}};
+  }
+};
+
+TEST(DampedStep, NaNAnywhereGivesAZeroStep) {
+  // 3 residuals, 2 unknowns.
+  real_T J[6] = {1.0, 2.0, 3.0, 0.5, -1.0, 2.0};
+  real_T r[3] = {1.0, -1.0, 0.5};
+  StepBuffers b(3, 2);
+  lmStep(J, 3, 2, r, 0.01, b.step.data(), b.work);
+  EXPECT_NE(b.step[0], 0.0);
+
+  J[4] = NAN;
+  lmStep(J, 3, 2, r, 0.01, b.step.data(), b.work);
+  EXPECT_EQ(b.step[0], 0.0);
+  EXPECT_EQ(b.step[1], 0.0);
+
+  J[4] = -1.0;
+  r[1] = NAN;
+  lmStep(J, 3, 2, r, 0.01, b.step.data(), b.work);
+  EXPECT_EQ(b.step[0], 0.0);
+}
+
+TEST(DampedStep, InfinityPassesTheGuardUnlessItsColumnHoldsBothSigns) {
+  real_T r[3] = {1.0, -1.0, 0.5};
+  StepBuffers b(3, 2);
+  // +inf: the column's scale is +inf too, the sum stays +inf, a solve runs.
+  real_T plus[6] = {1.0, INFINITY, 3.0, 0.5, -1.0, 2.0};
+  lmStep(plus, 3, 2, r, 0.01, b.step.data(), b.work);
+  EXPECT_FALSE(b.step[0] == 0.0 && b.step[1] == 0.0);
+  // -inf meets the +inf scale below it: the sum is NaN and no step is taken.
+  real_T minus[6] = {1.0, -INFINITY, 3.0, 0.5, -1.0, 2.0};
+  lmStep(minus, 3, 2, r, 0.01, b.step.data(), b.work);
+  EXPECT_EQ(b.step[0], 0.0);
+  EXPECT_EQ(b.step[1], 0.0);
+}
+
+TEST(DampedStep, ZeroColumnGetsZeroScaleAndZeroStep) {
+  real_T J[6] = {1.0, 2.0, 3.0, 0.0, 0.0, 0.0};
+  real_T r[3] = {1.0, 2.0, 3.0};
+  StepBuffers b(3, 2);
+  lmStep(J, 3, 2, r, 0.01, b.step.data(), b.work);
+  EXPECT_EQ(b.step[1], 0.0);
+  EXPECT_FALSE(std::signbit(b.step[1]));
+  EXPECT_NEAR(b.step[0], 14.0 / (14.0 * 1.01), 1e-12);  // (J'J + 0.01 J'J) s = J'r
+}
+
+TEST(LeftDivide, RankDeficientSystemGivesTheBasicSolution) {
+  // Third column = first + second: rank 2, one unknown exactly 0.
+  real_T a[12] = {1, 0, 0, 0, 0, 1, 0, 0, 1, 1, 0, 0};
+  const real_T b[4] = {1.0, 2.0, 3.0, 4.0};
+  real_T x[3], tau[3], rhs[4];
+  int32_T jpvt[3];
+  leftDivide(a, 4, 3, b, x, {tau, jpvt, rhs});
+  int zeros = 0;
+  for (real_T v : x) zeros += v == 0.0 ? 1 : 0;
+  EXPECT_EQ(zeros, 1);
+  // Least squares: the fitted part of b is (1, 2, 0, 0).
+  EXPECT_NEAR(x[0] + x[2], 1.0, 1e-15);
+  EXPECT_NEAR(x[1] + x[2], 2.0, 1e-15);
+}
+
+TEST(LeftDivide, EmptySystemGivesZerosAndSquareSystemUsesLu) {
+  real_T x[2] = {7.0, 7.0}, tau[2], rhs[2];
+  int32_T jpvt[2];
+  leftDivide(nullptr, 0, 2, nullptr, x, {tau, jpvt, rhs});
+  EXPECT_EQ(x[0], 0.0);
+  EXPECT_EQ(x[1], 0.0);
+  real_T a[4] = {2.0, 4.0, 1.0, 3.0};  // [[2, 1], [4, 3]]
+  const real_T b[2] = {3.0, 7.0};
+  leftDivide(a, 2, 2, b, x, {tau, jpvt, rhs});
+  EXPECT_EQ(x[0], 1.0);
+  EXPECT_EQ(x[1], 1.0);
+}
+
+TEST(LuSolve, PartialPivotingAndAZeroPivotPassedOver) {
+  real_T a[9] = {1.0, 4.0, 7.0, 2.0, 5.0, 8.0, 3.0, 6.0, 10.0};
+  const real_T b[3] = {6.0, 15.0, 25.0};  // solution (1, 1, 1)
+  real_T x[3];
+  int32_T pivots[3];
+  luSolve(a, 3, b, x, pivots);
+  EXPECT_EQ(pivots[0], 2);  // the 7 in the first column is the pivot
+  for (real_T v : x) EXPECT_NEAR(v, 1.0, 1e-14);
+
+  real_T singular[4] = {0.0, 0.0, 0.0, 1.0};  // [[0, 0], [0, 1]]
+  const real_T ones[2] = {1.0, 1.0};
+  luSolve(singular, 2, ones, x, pivots);
+  EXPECT_EQ(pivots[0], 0);      // no swap over a zero column
+  EXPECT_EQ(x[0], INFINITY);    // no test for singularity
+}
+
+// The Jacobian forms the columns of never-read block entries without the
+// model; a literal evaluation of every column must give the same bits.
+void expectLiteralJacobian(const real_T* blockIn, int32_T f, const HeldMask<7>& mask,
+                           const real_T* held) {
+  const int32_T n = 12, P = f * f;
+  std::vector<real_T> x(n), fitted(n), trialValues(n), J(n * P), literal(n), trial(P);
+  for (int32_T i = 0; i < n; ++i) x[i] = 0.5 * i;
+  std::vector<real_T> block(blockIn, blockIn + P);
+  bool nanMask[12] = {};
+  real_T fullVector[7];
+  const FitBinding<OneTransitionModel> binding{&mask, held, x.data(), n};
+  bindParameters(fullVector, binding, block.data(), P, fitted.data());
+  lmJacobian(block.data(), f, fullVector, binding, fitted.data(), nanMask, 0, J.data(),
+             trial.data(), trialValues.data());
+  const real_T s = std::sqrt(matrixNorm(block.data(), f, f));
+  for (int32_T k = 0; k < P; ++k) {
+    const real_T h = block[k] != 0.0   ? block[k] * kDifferenceFactor
+                     : s == 0.0 ? (s + 1.0) * kDifferenceFactor
+                                : s * kDifferenceFactor;
+    for (int32_T j = 0; j < P; ++j) trial[j] = block[j] + (j == k ? h : 0.0);
+    bindParameters(fullVector, binding, trial.data(), P, literal.data());
+    for (int32_T i = 0; i < n; ++i)
+      EXPECT_TRUE(sameBits(J[k * n + i], (literal[i] - fitted[i]) / h))
+          << "column " << k << " row " << i;
+  }
+}
+
+TEST(Jacobian, UnreadEntriesMatchALiteralEvaluation) {
+  const real_T held[4] = {-0.3, 2.0, 0.15, kFixedRT};
+  const auto mask = heldMask("0001111");
+  const real_T plain[9] = {5000.0, 2.5, 9.5, 1.0, 1.0, 1.0, 1.0, 1.0, 1.0};
+  expectLiteralJacobian(plain, 3, mask, held);
+  // A -0.0 parameter turns into +0.0 in every trial: here the midpoint, so
+  // x / Cm changes sign at x = 0.
+  const real_T negativeZero[9] = {5000.0, -0.0, 9.5, 1.0, 1.0, 1.0, 1.0, 1.0, 1.0};
+  expectLiteralJacobian(negativeZero, 3, mask, held);
+  // A zero entry past the first column and a NaN parameter.
+  const real_T odd[9] = {5000.0, 2.5, NAN, 1.0, 0.0, 1.0, 1.0, 1.0, 1.0};
+  expectLiteralJacobian(odd, 3, mask, held);
+}
+
+}  // namespace
+}  // namespace quent
