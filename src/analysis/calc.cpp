@@ -70,8 +70,8 @@ void setSummary(real_T* summary, real_T slope, real_T intercept, real_T rSq, int
   summary[3] = distinct;
 }
 
-// Length of the run of equal neighbours from `start` in an ascending list.  A
-// NaN compares unequal to everything, so each NaN stands alone.
+// End of the run of equal neighbours that starts at `start` in an ascending
+// list.  A NaN compares unequal to everything, so each NaN stands alone.
 int32_T runEnd(const real_T* sorted, int32_T n, int32_T start) {
   int32_T end = start + 1;
   while (end < n && !(sorted[end] != sorted[end - 1])) ++end;
@@ -89,6 +89,7 @@ void emptyAnswer(VectorView<real_T> conc, const Outputs& out, real_T* summary) {
   if (sorted != nullptr) {
     for (int32_T i = 0; i < n; ++i) sorted[i] = conc[i];
     sortAscending(sorted, n);
+    // In place: a kept value never lands beyond the run being read.
     for (int32_T start = 0; start < n; start = runEnd(sorted, n, start))
       sorted[distinct++] = sorted[start];
   }
