@@ -130,6 +130,40 @@ QUENT_API void QUENT_dGtrend_fraggfd(const real_T *conc,
                                      RealArray *concGrid,
                                      RealArray *fractionCurve);
 
+/*
+ * Reduces the fit rows of many curves to per-concentration energies and one
+ * trend line of energy over ln(concentration).
+ *  - sampleConc: one concentration per curve; curveFlags: one flag per curve,
+ *    1 takes the curve into the analysis.  Both must have as many entries as
+ *    fitRows has rows, and a curve counts only with a concentration above 0.
+ *  - fitRows: the rows a primary fit returned, 24 values per curve (a trailing
+ *    part of fewer than 24 is ignored); at most 96 curves.
+ *  - transition: 2 or 3 picks that transition's energy, any other value the
+ *    first.
+ *  - concOut, trendOut, deviationOut, usedOut: host records, resized by the
+ *    library to 1-by-U, U the number of distinct entries of sampleConc:
+ *    the concentrations ascending, the mean energy of each (or the line's
+ *    value where no fitted, flagged curve stands), its standard deviation,
+ *    and 1 where a fitted, flagged curve stands.
+ *  - summary: host buffer of 4 entries: slope and intercept (the
+ *    coefficients of QUENT_dGtrend_trend and the fraction functions; slope 0
+ *    and a flat line when the trend does not beat the noise), R squared of
+ *    the line, and U.
+ * Inconsistent sizes, more than 96 curves, no fitted row or no usable curve
+ * give concOut as above, usedOut all 0, zeros in trendOut and deviationOut,
+ * and summary {0, 0, 0, U}.  Safe to call from several threads on separate outputs.
+ */
+QUENT_API void QUENT_dGtrend_calc(const real_T *sampleConc,
+                                  const int32_T *sampleConcSize,
+                                  const real_T *fitRows,
+                                  const int32_T *fitRowsSize,
+                                  const int32_T *curveFlags,
+                                  const int32_T *curveFlagsSize,
+                                  int32_T transition, RealArray *concOut,
+                                  RealArray *trendOut,
+                                  RealArray *deviationOut,
+                                  Int32Array *usedOut, real_T *summary);
+
 #ifdef __cplusplus
 }
 #endif

@@ -2,6 +2,7 @@
 // library is built without exceptions, so nothing can cross this border.
 #include "quent_dgtrend.h"
 
+#include "analysis/calc.h"
 #include "analysis/normalization.h"
 #include "analysis/trend_fractions.h"
 #include "frame/array.h"
@@ -63,6 +64,15 @@ QUENT_API void QUENT_dGtrend_fraggfd(const real_T* conc, const int32_T* concSize
                                      RealArray* fractionCurve) {
   drawFraction(FractionKind::AssociatedOverUnfolded, conc, concSize, coefficients, pointCount,
                temperatureC, concGrid, fractionCurve);
+}
+
+QUENT_API void QUENT_dGtrend_calc(const real_T* sampleConc, const int32_T* sampleConcSize,
+                                  const real_T* fitRows, const int32_T* fitRowsSize,
+                                  const int32_T* curveFlags, const int32_T* curveFlagsSize,
+                                  int32_T transition, RealArray* concOut, RealArray* trendOut,
+                                  RealArray* deviationOut, Int32Array* usedOut, real_T* summary) {
+  calc(sampleConc, sampleConcSize, fitRows, fitRowsSize, curveFlags, curveFlagsSize, transition,
+       concOut, trendOut, deviationOut, usedOut, summary);
 }
 
 }  // extern "C"
