@@ -39,10 +39,10 @@ void derivativePeaks(const real_T* x, const real_T* y, int32_T n, real_T* out) {
   constexpr HeldMask<3 * P> nothingHeld{};
   heldFit<PeakModel<P>>(midpoint, slope, slopes, peaks, nothingHeld, peaks);
 
-  // A centre outside the measured range (or NaN) loses every peak.
+  // A centre outside the measured range, or NaN, loses every peak.
   for (int k = 0; k < P; ++k) {
     const real_T c = peaks[3 * k + 1];
-    if (!(c >= x[0] && c <= x[n - 1])) return;
+    if (c != c || c < x[0] || c > x[n - 1]) return;
   }
   for (int k = 0; k < P; ++k) out[k] = peaks[3 * k + 1];
   if constexpr (P == 2) sortTwoAscending(out);
