@@ -17,7 +17,7 @@ void refitFromRow(const real_T* x, const real_T* y, int32_T n, const real_T* row
                   bool amplitudesHeld, real_T* params);
 
 // The same fit on the points of x, y (n entries) that mask keeps (entry 1).
-// Fewer than 8 T kept points: all -1 without a fit.
+// Fewer than 8 T kept points, or more than a curve holds: all -1, no fit.
 template <int T>
 void refitMasked(const real_T* x, const real_T* y, int32_T n, const real_T* row,
                  const int32_T* mask, bool amplitudesHeld, real_T* params);
