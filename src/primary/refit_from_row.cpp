@@ -14,20 +14,21 @@ namespace {
 
 constexpr real_T kMinRSquared = 0.95;
 
-// Held entries of each member, over the parameter vector in model order.
+// Held entries (1) of each member in vector order: both baseline slopes and
+// RT, and in the held form also the shares.  The vectors are
+//   T = 1: dG Cm a b c d RT
+//   T = 2: dG1 Cm1 dG2 Cm2 amp1 a b c d RT
+//   T = 3: dG1 Cm1 dG2 Cm2 dG3 Cm3 amp1 amp2 a b c d RT
 template <int T> struct RefitMasks;
 template <> struct RefitMasks<1> {
-  //                                                   dG Cm  a b c d RT
   static constexpr HeldMask<7> free = heldMask("0001011");
   static constexpr HeldMask<7> held = free;  // no shares to hold
 };
 template <> struct RefitMasks<2> {
-  //                                                   dG1 Cm1 dG2 Cm2 amp1  a b c d RT
   static constexpr HeldMask<10> free = heldMask("0000001011");
   static constexpr HeldMask<10> held = heldMask("0000101011");
 };
 template <> struct RefitMasks<3> {
-  //                                                   dG1 Cm1 dG2 Cm2 dG3 Cm3 amp1 amp2  a b c d RT
   static constexpr HeldMask<13> free = heldMask("0000000001011");
   static constexpr HeldMask<13> held = heldMask("0000001101011");
 };
