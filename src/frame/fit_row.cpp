@@ -35,11 +35,17 @@ void writeClearedRow(real_T code, real_T* row) {
 template <int T>
 void writeFitRow(const real_T* x, const real_T* y, int32_T n, const real_T* params, real_T code,
                  real_T* row) {
-  using L = TransitionLayout<T>;
   if (!(params[0] >= 0.0)) {
     writeFailedRow<T>(code, row);
     return;
   }
+  writeFittedRow<T>(x, y, n, params, code, row);
+}
+
+template <int T>
+void writeFittedRow(const real_T* x, const real_T* y, int32_T n, const real_T* params,
+                    real_T code, real_T* row) {
+  using L = TransitionLayout<T>;
   const real_T r2 = rSquaredOfFit<T>(x, y, n, params);
   paramsToRow<T>(params, row);
   row[kColCode] = code;
@@ -58,6 +64,9 @@ void writeFitRow(const real_T* x, const real_T* y, int32_T n, const real_T* para
 template void writeFitRow<1>(const real_T*, const real_T*, int32_T, const real_T*, real_T, real_T*);
 template void writeFitRow<2>(const real_T*, const real_T*, int32_T, const real_T*, real_T, real_T*);
 template void writeFitRow<3>(const real_T*, const real_T*, int32_T, const real_T*, real_T, real_T*);
+template void writeFittedRow<1>(const real_T*, const real_T*, int32_T, const real_T*, real_T, real_T*);
+template void writeFittedRow<2>(const real_T*, const real_T*, int32_T, const real_T*, real_T, real_T*);
+template void writeFittedRow<3>(const real_T*, const real_T*, int32_T, const real_T*, real_T, real_T*);
 template void writeFailedRow<1>(real_T, real_T*);
 template void writeFailedRow<2>(real_T, real_T*);
 template void writeFailedRow<3>(real_T, real_T*);

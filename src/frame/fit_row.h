@@ -15,6 +15,12 @@ template <int T>
 void writeFitRow(const real_T* x, const real_T* y, int32_T n, const real_T* params, real_T code,
                  real_T* row);
 
+// The same row without the test of the first energy, for writers that judge a
+// failed fit by a rule of their own.
+template <int T>
+void writeFittedRow(const real_T* x, const real_T* y, int32_T n, const real_T* params,
+                    real_T code, real_T* row);
+
 inline void writeFitRow1(const real_T* x, const real_T* y, int32_T n, const real_T* p, real_T code, real_T* row) { writeFitRow<1>(x, y, n, p, code, row); }
 inline void writeFitRow2(const real_T* x, const real_T* y, int32_T n, const real_T* p, real_T code, real_T* row) { writeFitRow<2>(x, y, n, p, code, row); }
 inline void writeFitRow3(const real_T* x, const real_T* y, int32_T n, const real_T* p, real_T code, real_T* row) { writeFitRow<3>(x, y, n, p, code, row); }
@@ -38,6 +44,9 @@ void writeClearedRow(real_T code, real_T* row);
 extern template void writeFitRow<1>(const real_T*, const real_T*, int32_T, const real_T*, real_T, real_T*);
 extern template void writeFitRow<2>(const real_T*, const real_T*, int32_T, const real_T*, real_T, real_T*);
 extern template void writeFitRow<3>(const real_T*, const real_T*, int32_T, const real_T*, real_T, real_T*);
+extern template void writeFittedRow<1>(const real_T*, const real_T*, int32_T, const real_T*, real_T, real_T*);
+extern template void writeFittedRow<2>(const real_T*, const real_T*, int32_T, const real_T*, real_T, real_T*);
+extern template void writeFittedRow<3>(const real_T*, const real_T*, int32_T, const real_T*, real_T, real_T*);
 extern template void writeFailedRow<1>(real_T, real_T*);
 extern template void writeFailedRow<2>(real_T, real_T*);
 extern template void writeFailedRow<3>(real_T, real_T*);
