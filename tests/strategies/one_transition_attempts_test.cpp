@@ -1,6 +1,6 @@
 // Start attempts of the one-transition fit: which entries each member holds
 // and at what start, the baselines of the segment form, and the short-curve
-// reading of the segment stretches.
+// slopes a segment stretch takes before the first point of a short curve.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -36,39 +36,28 @@ Points transition() {
   return p;
 }
 
-TEST(SegmentBaselines, StraightEndsKeepThePlainStarts) {
-  const Points p = line({5.0, 4.5, 4.0, 3.5, 3.0, 2.5, 2.0, 1.5, 1.0, 0.5});
+void expectBaselines(const Points& p, LineCoefficients native, LineCoefficients unfolded) {
   const BaselinePairs b = segmentBaselines(p.x.data(), p.y.data(), p.n());
-  EXPECT_EQ(b.nativeIntercept, 5.0);
-  EXPECT_EQ(b.nativeSlope, 0.001);
-  EXPECT_EQ(b.unfoldedIntercept, 0.5 - 0.001 * 0.5);
-  EXPECT_EQ(b.unfoldedSlope, 0.001);
-}
-
-TEST(SegmentBaselines, BentEndsGetLinesThroughTheirStretch) {
-  // First slopes -1 and +1 disagree: a line through the first three points.
-  // The last slope (2 among 0.5) is exactly at twice the stretch mean of five
-  // slopes, which divides by four, and strays only in the stretch of six, so
-  // the unfolded line runs through the last six points.
-  const Points p = line({1.0, 0.0, 1.0, 1.5, 2.0, 2.5, 3.0, 3.5, 4.0, 4.5, 5.0, 7.0});
-  const BaselinePairs b = segmentBaselines(p.x.data(), p.y.data(), p.n());
-  const LineCoefficients native = lineFit(p.x.data(), p.y.data(), 3);
-  const LineCoefficients unfolded = lineFit(p.x.data() + 6, p.y.data() + 6, 6);
   EXPECT_EQ(b.nativeIntercept, native.intercept);
-  EXPECT_EQ(b.nativeSlope, native.slope == 0.0 ? 0.001 : native.slope);
+  EXPECT_EQ(b.nativeSlope, native.slope);
   EXPECT_EQ(b.unfoldedIntercept, unfolded.intercept);
   EXPECT_EQ(b.unfoldedSlope, unfolded.slope);
 }
 
-// Four points: the stretch reaches before the first slope from w = 0 on and
-// strays only at w = 3, whose line would start three points before the curve.
-TEST(SegmentBaselines, ShortCurveReadsMissingSlopesAsZero) {
-  const Points p = line({1.0, 2.0, 3.0, 4.2});
-  const BaselinePairs b = segmentBaselines(p.x.data(), p.y.data(), p.n());
-  const LineCoefficients all = lineFit(p.x.data(), p.y.data(), 4);
-  EXPECT_EQ(b.unfoldedIntercept, all.intercept);
-  EXPECT_EQ(b.unfoldedSlope, all.slope);
-  EXPECT_EQ(b.nativeIntercept, 1.0);
+TEST(SegmentBaselines, StraightEndsPlainBentEndsFittedShortCurvesPadded) {
+  // Straight ends keep the plain starts; the signal scales the unfolded one.
+  expectBaselines(line({5.0, 4.5, 4.0, 3.5, 3.0, 2.5, 2.0, 1.5, 1.0, 0.5}), {0.001, 5.0},
+                  {0.001, 0.5 - 0.001 * 0.5});
+  // First slopes -1 and +1 disagree: a line through the first three points.
+  // The last slope (2 among 0.5) is exactly twice the mean of the stretch of
+  // five, which divides by four, and strays only in the stretch of six.
+  const Points bent = line({1.0, 0.0, 1.0, 1.5, 2.0, 2.5, 3.0, 3.5, 4.0, 4.5, 5.0, 7.0});
+  expectBaselines(bent, lineFit(bent.x.data(), bent.y.data(), 3),
+                  lineFit(bent.x.data() + 6, bent.y.data() + 6, 6));
+  // Four points: the stretch reaches before the first slope from w = 0 on and
+  // strays only at w = 3, whose line would start three points before the curve.
+  const Points four = line({1.0, 2.0, 3.0, 4.2});
+  expectBaselines(four, {0.001, 1.0}, lineFit(four.x.data(), four.y.data(), 4));
 }
 
 struct HeldCase {
@@ -105,7 +94,7 @@ const BaselinePairs kSegment = segmentBaselines(kCurve.x.data(), kCurve.y.data()
 INSTANTIATE_TEST_SUITE_P(
     Members, AttemptHolds,
     ::testing::Values(
-        //      name                  member                        midpoint  native       unfolded         Cm     native pair          unfolded pair
+        //       name                 member                     midpoint native      unfolded      held: Cm native pair          unfolded pair
         HeldCase{"fullAtUsable",      Attempt1::ThreePointFullAt,   3.0, {0, 0},      {0, 0},       3.0,   kFree, kFree,        kFree, kFree},
         HeldCase{"keepNativeGiven",   Attempt1::KeepNative,         3.0, {9.9, -0.04}, {0, 0},      kFree, 9.9, -0.04,          kFree, kFree},
         // (a, -a) is absent: the native end is fitted, the unfolded one held.
@@ -120,37 +109,28 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& info) { return std::string(info.param.name); });
 
 // A midpoint exactly at the last x seeds Cm there but leaves it free.
-TEST(AttemptMidpoint, AtTheLastXSeedsButDoesNotHold) {
+TEST(AttemptEndings, MidpointAtTheLastXRefinementAndRefusal) {
   const Points p = transition();
   real_T seeded[7], plain[7];
   runAttempt1(Attempt1::KeepNativeAt, p.x.data(), p.y.data(), 48, kFixedRT, 8.0, kNative, kAbsentPair, seeded);
   runAttempt1(Attempt1::KeepNativeAt, p.x.data(), p.y.data(), 48, kFixedRT, -1.0, kNative, kAbsentPair, plain);
   EXPECT_NEAR(seeded[1], 3.6, 0.05);
   EXPECT_NE(seeded[0], plain[0]);
-}
 
-TEST(AttemptRefinements, SlopesAndRTStayOtherEntriesMove) {
-  const Points p = transition();
-  real_T v[7] = {5000.0, 3.5, 9.8, -0.05, 2.2, 0.02, kFixedRT};
+  real_T v[7] = {5000.0, 3.5, 9.8, -0.05, 2.2, 0.02, kFixedRT};  // slopes and RT stay
   refineBest(p.x.data(), p.y.data(), 48, v);
   EXPECT_EQ(v[3], -0.05);
   EXPECT_EQ(v[5], 0.02);
   EXPECT_EQ(v[6], kFixedRT);
   EXPECT_NEAR(v[1], 3.6, 0.01);
-  real_T fixedRT[7];
-  attemptSegmentCoreFixedRT(p.x.data(), p.y.data(), 48, fixedRT);
-  EXPECT_EQ(fixedRT[6], kFixedRT);
-  EXPECT_EQ(fixedRT[3], kSegment.nativeSlope);
-}
 
-// A zigzag no transition explains: every free attempt is refused whole.
-TEST(AttemptRefusal, ImplausibleFitIsAllFailed) {
-  const Points p = line({1.0, 3.0, 1.0, 3.0, 1.0, 3.0, 1.0, 3.0, 1.0, 3.0});
+  // A zigzag no transition explains: every free attempt is refused whole.
+  const Points zigzag = line({1.0, 3.0, 1.0, 3.0, 1.0, 3.0, 1.0, 3.0, 1.0, 3.0});
   using Attempt = void (*)(const real_T*, const real_T*, int32_T, real_T*);
   for (Attempt a : {attemptThreePointFullFixedRT, attemptThreePointCoreFixedRT,
                     attemptFlatCoreFixedRT, attemptSegmentCoreFixedRT}) {
     real_T r[7];
-    a(p.x.data(), p.y.data(), p.n(), r);
+    a(zigzag.x.data(), zigzag.y.data(), zigzag.n(), r);
     for (real_T e : r) EXPECT_EQ(e, -1.0);
   }
 }
