@@ -135,6 +135,7 @@ bool curveChanges(const real_T* y, int32_T n) {
   return F::kFlatWhenRatioNaN ? ratio >= 1.0 : !(ratio < 1.0);
 }
 
+// Written as the refusal reads, so a NaN temperature is not refused.
 inline bool temperatureInRange(real_T temperature) {
   return !(temperature < 0.0 || temperature > 100.0);
 }
