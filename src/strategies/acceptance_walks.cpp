@@ -1,0 +1,74 @@
+// Thresholds fall in fixed steps, computed afresh at each step as
+// k * -step + start: the exact thresholds decide which slot a ladder takes.
+// Every comparison against a threshold is written so that a NaN fails it.
+#include "strategies/acceptance_walks.h"
+
+#include <cmath>
+
+#include "numerics/order_statistics.h"
+
+namespace quent {
+namespace {
+
+constexpr int kPairSteps = 20;  // 0.9995 down to 0.99
+constexpr real_T kPairStart = 0.9995;
+constexpr real_T kPairStep = -0.0005;
+constexpr int kFirstPassSteps = 50;  // 0.999 down to 0.95
+constexpr real_T kFirstPassStart = 0.999;
+constexpr real_T kFirstPassStep = -0.001;
+constexpr real_T kNoBest = -1.1;
+
+}  // namespace
+
+real_T endChangeRatio(const real_T* y, int32_T n) {
+  const real_T last = meanOfFive(y + (n - 5));
+  const real_T first = meanOfFive(y);
+  const real_T s = sampleStdDev(y, n);
+  return std::fabs((first - last) / s);
+}
+
+BestSlot bestSlot(const real_T* scores, int first, int end, int fallback) {
+  BestSlot best{fallback, kNoBest};
+  for (int s = first; s < end; ++s) {
+    if (scores[s] > best.score) best = {s, scores[s]};
+  }
+  return best;
+}
+
+int heldTableWalk(const real_T* flags, const real_T* sortedScores, int slots) {
+  for (int k = 0; k < slots; ++k)
+    if (flags[k] > 0.0 && sortedScores[k] >= kGoodScore) return k;
+  return -1;
+}
+
+bool bothHeldAccepted(const real_T* sortedScores, int count, bool everyMustPass) {
+  if (!everyMustPass) return sortedScores[0] >= kGoodScore;
+  for (int k = 0; k < count; ++k)
+    if (!(sortedScores[k] >= kGoodScore)) return false;
+  return true;
+}
+
+PairHit pairLadder(const PairRung* rungs, int rungCount, const real_T* nativeScores,
+                   const real_T* unfoldedScores) {
+  for (int k = 0; k < kPairSteps; ++k) {
+    const real_T t = static_cast<real_T>(k) * kPairStep + kPairStart;
+    for (int r = 0; r < rungCount; ++r) {
+      const int s = rungs[r].slot;
+      const real_T threshold = t + rungs[r].margin;
+      if (nativeScores[s] >= threshold || unfoldedScores[s] >= threshold)
+        return {r, s, nativeScores[s] <= unfoldedScores[s]};
+    }
+  }
+  return {-1, -1, false};
+}
+
+int firstPassLadder(const int* order, int count, const real_T* scores) {
+  for (int k = 0; k < kFirstPassSteps; ++k) {
+    const real_T t = static_cast<real_T>(k) * kFirstPassStep + kFirstPassStart;
+    for (int j = 0; j < count; ++j)
+      if (scores[order[j]] >= t) return j;
+  }
+  return -1;
+}
+
+}  // namespace quent

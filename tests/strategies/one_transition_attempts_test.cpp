@@ -1,0 +1,139 @@
+// Start attempts of the one-transition fit: which entries each member holds
+// and at what start, the baselines of the segment form, and the short-curve
+// slopes a segment stretch takes before the first point of a short curve.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <vector>
+
+#include "frame/limits.h"
+#include "models/curve_models.h"
+#include "numerics/line_fit.h"
+#include "strategies/one_transition_attempts.h"
+#include "strategies/segment_baselines.h"
+#include "strategies/start_forms.h"
+
+namespace quent {
+namespace {
+
+struct Points {
+  std::vector<real_T> x, y;
+  int32_T n() const { return static_cast<int32_T>(x.size()); }
+};
+
+Points line(std::vector<real_T> y) {
+  Points p{std::vector<real_T>(y.size()), std::move(y)};
+  for (int32_T i = 0; i < p.n(); ++i) p.x[i] = i;
+  return p;
+}
+
+// A noise-free transition at 3.6 on 48 points over 0..8, mildly sloped.
+Points transition() {
+  Points p{std::vector<real_T>(48), std::vector<real_T>(48)};
+  for (int32_T i = 0; i < 48; ++i) p.x[i] = 8.0 * i / 47;
+  const real_T truth[7] = {5200.0, 3.6, 10.0, -0.05, 2.0, 0.02, kFixedRT};
+  curveModel1(truth, p.x.data(), 48, p.y.data());
+  return p;
+}
+
+void expectBaselines(const Points& p, LineCoefficients native, LineCoefficients unfolded) {
+  const BaselinePairs b = segmentBaselines(p.x.data(), p.y.data(), p.n());
+  EXPECT_EQ(b.nativeIntercept, native.intercept);
+  EXPECT_EQ(b.nativeSlope, native.slope);
+  EXPECT_EQ(b.unfoldedIntercept, unfolded.intercept);
+  EXPECT_EQ(b.unfoldedSlope, unfolded.slope);
+}
+
+TEST(SegmentBaselines, StraightEndsPlainBentEndsFittedShortCurvesPadded) {
+  // Straight ends keep the plain starts; the signal scales the unfolded one.
+  expectBaselines(line({5.0, 4.5, 4.0, 3.5, 3.0, 2.5, 2.0, 1.5, 1.0, 0.5}), {0.001, 5.0},
+                  {0.001, 0.5 - 0.001 * 0.5});
+  // First slopes -1 and +1 disagree: a line through the first three points.
+  // The last slope (2 among 0.5) is exactly twice the mean of the stretch of
+  // five, which divides by four, and strays only in the stretch of six.
+  const Points bent = line({1.0, 0.0, 1.0, 1.5, 2.0, 2.5, 3.0, 3.5, 4.0, 4.5, 5.0, 7.0});
+  expectBaselines(bent, lineFit(bent.x.data(), bent.y.data(), 3),
+                  lineFit(bent.x.data() + 6, bent.y.data() + 6, 6));
+  // Four points: the stretch reaches before the first slope from w = 0 on and
+  // strays only at w = 3, whose line would start three points before the curve.
+  const Points four = line({1.0, 2.0, 3.0, 4.2});
+  expectBaselines(four, {0.001, 1.0}, lineFit(four.x.data(), four.y.data(), 4));
+}
+
+struct HeldCase {
+  const char* name;
+  Attempt1 member;
+  real_T midpoint;
+  real_T native[2], unfolded[2];
+  // Expected held entries: NaN where free.
+  real_T Cm, nativeIntercept, nativeSlope, unfoldedIntercept, unfoldedSlope;
+};
+
+constexpr real_T kFree = NAN;
+constexpr real_T kNative[2] = {9.9, -0.04};
+
+class AttemptHolds : public ::testing::TestWithParam<HeldCase> {};
+
+TEST_P(AttemptHolds, HeldEntriesKeepTheirStart) {
+  const HeldCase& c = GetParam();
+  const Points p = transition();
+  real_T r[7];
+  runAttempt1(c.member, p.x.data(), p.y.data(), p.n(), kFixedRT, c.midpoint, c.native, c.unfolded, r);
+  ASSERT_NE(r[0], -1.0) << attempt1Name(c.member);
+  const real_T held[5] = {c.Cm, c.nativeIntercept, c.nativeSlope, c.unfoldedIntercept, c.unfoldedSlope};
+  for (int k = 0; k < 5; ++k)
+    if (!std::isnan(held[k])) EXPECT_EQ(r[k + 1], held[k]) << "entry " << k + 1;
+  EXPECT_EQ(r[6], kFixedRT);
+}
+
+const Points kCurve = transition();
+const real_T kLastSlope = lastSlope(kCurve.x.data(), kCurve.y.data(), 48);
+const real_T kLastIntercept = lastIntercept(kCurve.x.data(), kCurve.y.data(), 48);
+const BaselinePairs kSegment = segmentBaselines(kCurve.x.data(), kCurve.y.data(), 48);
+
+INSTANTIATE_TEST_SUITE_P(
+    Members, AttemptHolds,
+    ::testing::Values(
+        //       name                 member                     midpoint native      unfolded      held: Cm native pair          unfolded pair
+        HeldCase{"fullAtUsable",      Attempt1::ThreePointFullAt,   3.0, {0, 0},      {0, 0},       3.0,   kFree, kFree,        kFree, kFree},
+        HeldCase{"keepNativeGiven",   Attempt1::KeepNative,         3.0, {9.9, -0.04}, {0, 0},      kFree, 9.9, -0.04,          kFree, kFree},
+        // (a, -a) is absent: the native end is fitted, the unfolded one held.
+        HeldCase{"keepNativeAbsent",  Attempt1::KeepNative,         3.0, {0.5, -0.5}, {0, 0},       kFree, kFree, kFree,        kLastIntercept, kLastSlope},
+        HeldCase{"keepNativeAtBoth",  Attempt1::KeepNativeAt,       3.0, {9.9, -0.04}, {0, 0},      3.0,   9.9, -0.04,          kFree, kFree},
+        HeldCase{"keepNativeAtNoPair", Attempt1::KeepNativeAt,      3.0, {0, 0},      {0, 0},       3.0,   kFree, kFree,        kLastIntercept, kLastSlope},
+        HeldCase{"keepUnfoldedAt",    Attempt1::KeepUnfoldedAt,     3.0, {0, 0},      {2.1, 0.03},  3.0,   kFree, kFree,        2.1, 0.03},
+        // Flat starts never hold a zero slope or intercept.
+        HeldCase{"bothCoreZeros",     Attempt1::BothCore,          -1.0, {9.9, 0.0},  {0.0, 0.02},  kFree, 9.9, 0.001,          kCurve.y[47], 0.02},
+        HeldCase{"nativeSegment",     Attempt1::NativeSegmentCore, -1.0, {9.9, -0.04}, {0, 0},      kFree, 9.9, -0.04,          kSegment.unfoldedIntercept, kSegment.unfoldedSlope},
+        HeldCase{"unfoldedFlatAt",    Attempt1::UnfoldedFlatCoreAt, 3.0, {0, 0},      {2.1, 0.03},  3.0,   kCurve.y[0], 0.001,  2.1, 0.03}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+// A midpoint exactly at the last x seeds Cm there but leaves it free.
+TEST(AttemptEndings, MidpointAtTheLastXRefinementAndRefusal) {
+  const Points p = transition();
+  real_T seeded[7], plain[7];
+  runAttempt1(Attempt1::KeepNativeAt, p.x.data(), p.y.data(), 48, kFixedRT, 8.0, kNative, kAbsentPair, seeded);
+  runAttempt1(Attempt1::KeepNativeAt, p.x.data(), p.y.data(), 48, kFixedRT, -1.0, kNative, kAbsentPair, plain);
+  EXPECT_NEAR(seeded[1], 3.6, 0.05);
+  EXPECT_NE(seeded[0], plain[0]);
+
+  real_T v[7] = {5000.0, 3.5, 9.8, -0.05, 2.2, 0.02, kFixedRT};  // slopes and RT stay
+  refineBest(p.x.data(), p.y.data(), 48, v);
+  EXPECT_EQ(v[3], -0.05);
+  EXPECT_EQ(v[5], 0.02);
+  EXPECT_EQ(v[6], kFixedRT);
+  EXPECT_NEAR(v[1], 3.6, 0.01);
+
+  // A zigzag no transition explains: every free attempt is refused whole.
+  const Points zigzag = line({1.0, 3.0, 1.0, 3.0, 1.0, 3.0, 1.0, 3.0, 1.0, 3.0});
+  using Attempt = void (*)(const real_T*, const real_T*, int32_T, real_T*);
+  for (Attempt a : {attemptThreePointFullFixedRT, attemptThreePointCoreFixedRT,
+                    attemptFlatCoreFixedRT, attemptSegmentCoreFixedRT}) {
+    real_T r[7];
+    a(zigzag.x.data(), zigzag.y.data(), zigzag.n(), r);
+    for (real_T e : r) EXPECT_EQ(e, -1.0);
+  }
+}
+
+}  // namespace
+}  // namespace quent
