@@ -38,8 +38,10 @@ LineCoefficients fitInto(const real_T* x, const real_T* y, int32_T n, real_T* qr
 
 LineCoefficients lineFit(const real_T* x, const real_T* y, int32_T n) {
   if (n < 1) return {0.0, 0.0};
-  if (n <= kMaxCurvePoints) {
-    real_T work[3 * kMaxCurvePoints];  // 54 KiB: a whole curve fits without the heap
+  // Baseline stretches and concentration trends are short; a longer line
+  // takes its working space from the heap.
+  if (n <= kMaxFitPoints) {
+    real_T work[3 * kMaxFitPoints];
     return fitInto(x, y, n, work, work + 2 * n);
   }
   real_T* work = static_cast<real_T*>(std::malloc(3 * static_cast<std::size_t>(n) * sizeof(real_T)));
