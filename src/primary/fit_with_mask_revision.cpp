@@ -3,12 +3,10 @@
 // The row and mask of the last good round stand.
 #include "primary/fit_with_mask_revision.h"
 
-#include "primary/masked_strategies.h"
-
-#if QUENT_HAVE_MASKED_STRATEGIES
-
 #include "frame/fit_row.h"
 #include "frame/limits.h"
+#include "frame/scalar.h"
+#include "primary/primary_family.h"
 #include "primary/revise_mask.h"
 #include "primary/screen_spikes.h"
 
@@ -48,10 +46,11 @@ void fitWithMaskRevision(const real_T* x, const real_T* y, int32_T n, real_T sta
   if (static_cast<real_T>(spikes) / static_cast<real_T>(n) * 100.0 > kMaxSpikePercent) return;
 
   copyMask(spikeMask, n, workMask);
+  const int32_T family = saturatingInt32(stateCount);
   real_T candidate[kRowColumns];
   for (int round = 0; round < kMaxRounds; ++round) {
     copyMask(workMask, n, inputMask);
-    fitMaskedStrategy(stateCount, x, y, n, inputMask, temperatureC, candidate, workMask);
+    fitFamilyMasked(family, x, y, n, inputMask, temperatureC, candidate, workMask);
     if (candidate[kColRT] <= 0.0) return;
     for (int c = 0; c < kRowColumns; ++c) row[c] = candidate[c];
     copyMask(workMask, n, mask);
@@ -64,5 +63,3 @@ void fitWithMaskRevision(const real_T* x, const real_T* y, int32_T n, real_T sta
 }
 
 }  // namespace quent
-
-#endif  // QUENT_HAVE_MASKED_STRATEGIES

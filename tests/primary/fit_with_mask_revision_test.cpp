@@ -1,7 +1,3 @@
-// Built once the masked strategies are in the tree (primary/masked_strategies.h).
-#include "primary/masked_strategies.h"
-#if QUENT_HAVE_MASKED_STRATEGIES
-
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -31,4 +27,3 @@ TEST(FitWithMaskRevision, QuarterOfSpikesAndSinglePoint) {
 
 }  // namespace
 }  // namespace quent
-#endif  // QUENT_HAVE_MASKED_STRATEGIES
