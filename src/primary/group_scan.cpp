@@ -1,0 +1,139 @@
+// A round averages the curves of its concentration that passed the usable
+// test, at the points where they share the reference curve's denaturant; a
+// mean of 0 or less counts as a missing point.  The stop test reads the first
+// baseline value, not RT: a fit with a non-positive intercept hands over to
+// the next lower concentration, whose round then overwrites it.
+#include "primary/group_scan.h"
+
+#include "frame/limits.h"
+#include "frame/row_layout.h"
+#include "primary/curve_usable.h"
+#include "primary/fit_with_mask_revision.h"
+#include "primary/primary_family.h"
+
+namespace quent {
+namespace {
+
+// Curve copies: the curve under test, the mean curve of a round, the single
+// curve of the fallback; the mask slice of the masked test, and the mask a
+// revision fit reports (not needed here).
+thread_local real_T groupCurveX[kMaxCurvePoints];
+thread_local real_T groupCurveY[kMaxCurvePoints];
+thread_local real_T meanX[kMaxCurvePoints];
+thread_local real_T meanY[kMaxCurvePoints];
+thread_local real_T fallbackCurveX[kMaxCurvePoints];
+thread_local real_T fallbackCurveY[kMaxCurvePoints];
+thread_local int32_T maskSlice[kMaxCurvePoints];
+thread_local int32_T revisedMask[kMaxCurvePoints];
+
+real_T usableCurve(const CallCurves& curves, const ScanSource& source, int32_T stateCount,
+                   int32_T curve) {
+  const int32_T n = curves.pointsPerCurve;
+  curves.copy(curve, groupCurveX, groupCurveY);
+  return withFamilyFits(stateCount, [&]<int T>() -> real_T {
+    if (!source.masked) return curveUsable<T>(groupCurveX, n, groupCurveY, n);
+    const VectorView<int32_T>& mask = source.pointMask;
+    const int32_T first = curves.at(curve, 0);
+    if (source.hostMask) {
+      const int32_T sliceSize[2] = {mask.stride, n};
+      const int32_T* slice = mask.data + static_cast<long long>(mask.stride) * first;
+      return curveUsableMaskedPair<T>(groupCurveX, n, groupCurveY, n, slice, sliceSize);
+    }
+    for (int32_T i = 0; i < n; ++i) maskSlice[i] = mask[first + i];
+    return curveUsableMasked<T>(groupCurveX, n, groupCurveY, n, maskSlice, n);
+  });
+}
+
+// The mean curve of the usable curves into meanX, meanY; returns its count.
+// Only curves of the round's concentration (and chosen ones) were tested, so
+// usable[c] of 1.0 names exactly the curves that enter.
+int32_T meanCurve(const CallCurves& curves, const ScanSource& source, int32_T reference,
+                  const real_T* usable) {
+  int32_T count = 0;
+  for (int32_T i = 0; i < curves.pointsPerCurve; ++i) {
+    const real_T x = curves.denaturant[curves.at(reference, i)];
+    real_T sum = 0.0;
+    int32_T taken = 0;
+    for (int32_T c = 0; c < curves.curveCount; ++c) {
+      const int32_T at = curves.at(c, i);
+      if (usable[c] != 1.0 || curves.denaturant[at] != x) continue;
+      if (source.masked && source.pointMask[at] != 1) continue;
+      sum = sum + curves.signal[at];
+      ++taken;
+    }
+    const real_T mean = taken == 0 ? 0.0 : sum / taken;
+    if (mean > 0.0) {
+      meanX[count] = x;
+      meanY[count] = mean;
+      ++count;
+    }
+  }
+  return count;
+}
+
+int32_T firstCurveAt(const CallCurves& curves, real_T conc) {
+  for (int32_T c = 0; c < curves.curveCount; ++c)
+    if (curves.sampleConc[c] == conc) return c;
+  return curves.curveCount - 1;
+}
+
+void fitRound(const CallCurves& curves, const ScanSource& source, int32_T stateCount,
+              real_T temperatureC, real_T conc, int32_T reference, real_T* referenceRow) {
+  real_T usable[kMaxCurves];
+  for (int32_T c = 0; c < curves.curveCount; ++c) usable[c] = 0.0;
+  for (int32_T c = 0; c < curves.curveCount; ++c)
+    if (curves.sampleConc[c] == conc && source.chosen(c))
+      usable[c] = usableCurve(curves, source, stateCount, c);
+  int32_T count = meanCurve(curves, source, reference, usable);
+  if (source.masked) {
+    if (count >= familyMinKeptPoints(stateCount))
+      fitFamilyWhole(stateCount, meanX, meanY, count, temperatureC, referenceRow);
+    return;
+  }
+  // An empty round still fits: the single point (0, 0), which fails.
+  if (count == 0) {
+    meanX[0] = 0.0;
+    meanY[0] = 0.0;
+    count = 1;
+  }
+  fitWithMaskRevision(meanX, meanY, count, static_cast<real_T>(stateCount), temperatureC,
+                      referenceRow, revisedMask);
+}
+
+}  // namespace
+
+void groupScan(const CallCurves& curves, const ConcentrationGroups& groups,
+               const ScanSource& source, int32_T stateCount, real_T temperatureC,
+               real_T* referenceRow) {
+  for (int32_T c = 0; c < kRowColumns; ++c) referenceRow[c] = 0.0;
+  real_T conc = groups.topConc;
+  int32_T reference = groups.topIndex;
+  for (int32_T g = 0; g <= groups.groupCount - 1; ++g) {
+    fitRound(curves, source, stateCount, temperatureC, conc, reference, referenceRow);
+    if (referenceRow[0] > 0.0 || g + 1 == groups.groupCount) return;
+    conc = groups.uniqueConc[groups.groupCount - (g + 1) - 1];
+    reference = firstCurveAt(curves, conc);
+  }
+}
+
+void fallbackScan(const CallCurves& curves, const ScanSource& source, int32_T stateCount,
+                  real_T temperatureC, real_T* referenceRow) {
+  int32_T order[kMaxCurves];
+  curvesByDescendingConcentration(curves.sampleConc, curves.curveCount, order);
+  for (int32_T k = 0; k < curves.curveCount; ++k) {
+    const int32_T c = order[k];
+    if (!source.chosen(c)) continue;
+    if (source.masked) {
+      const int32_T n = curves.gatherKept(c, source.pointMask, fallbackCurveX, fallbackCurveY);
+      fitFamilyWhole(stateCount, fallbackCurveX, fallbackCurveY, n, temperatureC, referenceRow);
+    } else {
+      curves.copy(c, fallbackCurveX, fallbackCurveY);
+      fitWithMaskRevision(fallbackCurveX, fallbackCurveY, curves.pointsPerCurve,
+                          static_cast<real_T>(stateCount), temperatureC, referenceRow,
+                          revisedMask);
+    }
+    if (referenceRow[kColRT] > 0.0) return;
+  }
+}
+
+}  // namespace quent
