@@ -1,0 +1,31 @@
+// Only the first energy's error is gated: the errors of the second and third
+// energies are reported, not judged.  The comparisons are written so that a
+// NaN passes: such a row stands as it falls.
+#include "primary/acceptance_gates.h"
+
+#include "frame/fit_row.h"
+#include "frame/limits.h"
+
+namespace quent {
+namespace {
+
+constexpr real_T kMinRSquared = 0.95;
+constexpr real_T kMaxRelativeError = 0.25;
+constexpr real_T kRejectedCode = 12.0;
+
+}  // namespace
+
+bool failsAcceptanceGates(const real_T* row) {
+  return row[kColRSquared] < kMinRSquared || row[4] < 0.0 || row[6] < 0.0 || row[9] < 0.0 ||
+         row[kColEnergyError] / row[4] > kMaxRelativeError;
+}
+
+bool applyAcceptanceGates(real_T* row) {
+  if (row[kColRT] >= 0.0 && failsAcceptanceGates(row)) writeClearedRow(kRejectedCode, row);
+  if (!(row[kColRT] < 0.0)) return false;
+  for (int c = 0; c < kColRT; ++c) row[c] = 0.0;
+  for (int c = kColRSquared; c < kRowColumns; ++c) row[c] = 0.0;
+  return true;
+}
+
+}  // namespace quent
