@@ -1,0 +1,154 @@
+// Every refit starts from the reference row; the rounds of a pass differ only
+// by the mask.  A failed refit costs the curve one end point; a good one
+// revises a fresh copy of the spike mask, so that a point dropped by one
+// round's residuals can come back in the next.
+#include "primary/curve_point_mask.h"
+
+#include "frame/fit_row.h"
+#include "frame/limits.h"
+#include "frame/row_layout.h"
+#include "models/end_agreement.h"
+#include "primary/finish_row.h"
+#include "primary/primary_family.h"
+#include "primary/refit_from_row.h"
+#include "primary/revise_mask.h"
+#include "primary/screen_spikes.h"
+
+namespace quent {
+namespace {
+
+constexpr int kRounds = 5;
+
+// The end points a failed refit may clear, first match still kept; negative
+// entries count from the end (-1 the last point).  The held pass may clear
+// the two outermost points at each end, the free pass only the outermost.
+constexpr int32_T kHeldPassEnds[] = {0, -1, 1, -2};
+constexpr int32_T kFreePassEnds[] = {0, -1};
+
+thread_local int32_T baseMask[kMaxCurvePoints];
+thread_local int32_T workMask[kMaxCurvePoints];
+thread_local int32_T heldPassMask[kMaxCurvePoints];
+thread_local int32_T freePassMask[kMaxCurvePoints];
+thread_local real_T keptX[kMaxCurvePoints];
+thread_local real_T keptY[kMaxCurvePoints];
+
+constexpr real_T kZeros[kMaxCurvePoints] = {};
+
+void copyMask(const int32_T* from, int32_T n, int32_T* to) {
+  for (int32_T i = 0; i < n; ++i) to[i] = from[i];
+}
+
+bool sameMask(const int32_T* a, const int32_T* b, int32_T n) {
+  for (int32_T i = 0; i < n; ++i)
+    if (a[i] != b[i]) return false;
+  return true;
+}
+
+template <int32_T Count>
+void clearFirstKeptEnd(const int32_T (&ends)[Count], int32_T n, int32_T* mask) {
+  for (const int32_T end : ends) {
+    const int32_T i = end >= 0 ? end : n + end;
+    if (i < 0 || i >= n || mask[i] != 1) continue;
+    mask[i] = 0;
+    return;
+  }
+}
+
+int32_T gatherKept(const real_T* x, const real_T* y, int32_T n, const int32_T* mask) {
+  int32_T kept = 0;
+  for (int32_T i = 0; i < n; ++i)
+    if (mask[i] == 1) keptX[kept] = x[i], keptY[kept] = y[i], ++kept;
+  return kept;
+}
+
+// One pass of at most five refits from the reference row, starting from the
+// spike mask.  passRow and passMask keep the last good round; the pass ends
+// when a round leaves the working mask equal to passMask.
+template <int T, int32_T EndCount>
+void refitPass(const real_T* x, const real_T* y, int32_T n, const real_T* reference,
+               bool amplitudesHeld, int codeOffset, const int32_T (&ends)[EndCount],
+               real_T* passRow, int32_T* passMask) {
+  constexpr real_T kStateCount = FamilyRules<T>::kStateCount;
+  copyMask(baseMask, n, workMask);
+  for (int r = 1; r <= kRounds; ++r) {
+    real_T params[TransitionLayout<T>::kParams];
+    real_T candidate[kRowColumns];
+    refitMasked<T>(x, y, n, reference, workMask, amplitudesHeld, params);
+    const int32_T kept = gatherKept(x, y, n, workMask);
+    finishRow(keptX, keptY, kept, params, r + codeOffset, kStateCount, candidate);
+    if (candidate[kColRT] <= 0.0) {
+      clearFirstKeptEnd(ends, n, workMask);
+    } else {
+      for (int c = 0; c < kRowColumns; ++c) passRow[c] = candidate[c];
+      copyMask(workMask, n, passMask);
+      copyMask(baseMask, n, workMask);
+      reviseMask(x, y, n, candidate, workMask);
+    }
+    if (sameMask(workMask, passMask, n)) return;
+  }
+}
+
+// The plateau check of a pass.  It runs on zeros of the pass's kept count,
+// not on the curve, with each energy over its midpoint and RT at -1: it finds
+// no plateau, so the free pass always runs.  The pick between the passes
+// below was settled with that check and stays with it.
+template <int T>
+real_T zeroCurveAgreement(const real_T* passRow, const int32_T* passMask, int32_T n) {
+  using L = TransitionLayout<T>;
+  int32_T ones = 0;
+  for (int32_T i = 0; i < n; ++i) ones += passMask[i] == 1 ? 1 : 0;
+  real_T params[L::kParams];
+  paramsFromRow<T>(passRow, 1, params);
+  for (int t = 0; t < T; ++t) params[L::dG(t)] = params[L::dG(t)] / params[L::Cm(t)];
+  params[L::RT] = -1.0;
+  real_T flags[2];
+  endAgreement<T>(kZeros, ones, kZeros, ones, params, flags);
+  return flags[0] + flags[1];
+}
+
+void take(const real_T* passRow, const int32_T* passMask, int32_T n, real_T* row,
+          int32_T* mask) {
+  for (int c = 0; c < kRowColumns; ++c) row[c] = passRow[c];
+  copyMask(passMask, n, mask);
+}
+
+}  // namespace
+
+template <int T>
+void buildCurveMask(const real_T* x, const real_T* y, int32_T n, const real_T* referenceRow,
+                    real_T* row, int32_T* mask) {
+  for (int32_T i = 0; i < n; ++i) mask[i] = 1;
+  screenSpikes(y, n, baseMask);
+
+  // First pass: shares held (one transition has none to hold).
+  real_T heldPassRow[kRowColumns];
+  writeClearedRow(11.0, heldPassRow);
+  for (int32_T i = 0; i < n; ++i) heldPassMask[i] = 1;
+  refitPass<T>(x, y, n, referenceRow, true, 0, kHeldPassEnds, heldPassRow, heldPassMask);
+  if constexpr (T == 1) {
+    take(heldPassRow, heldPassMask, n, row, mask);
+  } else {
+    if (zeroCurveAgreement<T>(heldPassRow, heldPassMask, n) >= 2.0) {
+      writeClearedRow(0.0, row);  // a failed row over all points
+      return;
+    }
+    // Second pass: shares free, codes 6 to 10.
+    real_T freePassRow[kRowColumns];
+    writeClearedRow(0.0, freePassRow);
+    heldPassRow[kColCode] = 12.0;
+    for (int32_T i = 0; i < n; ++i) freePassMask[i] = 1;
+    refitPass<T>(x, y, n, referenceRow, false, 5, kFreePassEnds, freePassRow, freePassMask);
+    const bool freeStands = zeroCurveAgreement<T>(freePassRow, freePassMask, n) > 1.0 ||
+                            FamilyRules<T>::maskFreePassStands(freePassRow, referenceRow);
+    if (freeStands)
+      take(freePassRow, freePassMask, n, row, mask);
+    else
+      take(heldPassRow, heldPassMask, n, row, mask);
+  }
+}
+
+template void buildCurveMask<1>(const real_T*, const real_T*, int32_T, const real_T*, real_T*, int32_T*);
+template void buildCurveMask<2>(const real_T*, const real_T*, int32_T, const real_T*, real_T*, int32_T*);
+template void buildCurveMask<3>(const real_T*, const real_T*, int32_T, const real_T*, real_T*, int32_T*);
+
+}  // namespace quent

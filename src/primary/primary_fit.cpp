@@ -1,0 +1,80 @@
+// The search for start values happens once, on a group mean; single curves
+// only refit from it.  The rows of mask building have done their work once
+// the masks are known: only pointMask goes on to the final fit.
+#include "primary/primary_fit.h"
+
+#include "frame/array.h"
+#include "frame/limits.h"
+#include "frame/row_layout.h"
+#include "primary/concentration_groups.h"
+#include "primary/curve_point_mask.h"
+#include "primary/finish_primary_fit.h"
+#include "primary/group_scan.h"
+#include "primary/primary_call.h"
+#include "primary/primary_family.h"
+
+namespace quent {
+namespace {
+
+thread_local real_T maskCurveX[kMaxCurvePoints];
+thread_local real_T maskCurveY[kMaxCurvePoints];
+
+// Rows and point masks of every curve under the reference row.  A curve whose
+// row failed reports no discarded points.
+void buildPointMasks(const CallCurves& curves, int32_T stateCount, const real_T* referenceRow,
+                     real_T* rows, int32_T* mask) {
+  const int32_T n = curves.pointsPerCurve;
+  for (int32_T c = 0; c < curves.curveCount; ++c) {
+    curves.copy(c, maskCurveX, maskCurveY);
+    real_T* row = rows + kRowColumns * c;
+    int32_T* curveMask = mask + curves.at(c, 0);
+    withFamilyRules(stateCount, [&]<int T>() {
+      buildCurveMask<T>(maskCurveX, maskCurveY, n, referenceRow, row, curveMask);
+    });
+  }
+  for (int32_T c = 0; c < curves.curveCount; ++c)
+    if (rows[kRowColumns * c + kColRT] < 0.0)
+      for (int32_T i = 0; i < n; ++i) mask[curves.at(c, i)] = 1;
+}
+
+}  // namespace
+
+void primaryFit(int32_T pointsPerCurve, const real_T* denaturant, const int32_T* denaturantSize,
+                const real_T* signal, const int32_T* signalSize, const real_T* sampleConc,
+                const int32_T* sampleConcSize, int32_T stateCount, real_T temperatureC,
+                RealArray* fitRows, Int32Array* pointMask) {
+  if (fitRows == nullptr || pointMask == nullptr) return;
+  const CallCheck check = checkCall(pointsPerCurve, denaturant, denaturantSize, signal,
+                                    signalSize, sampleConc, sampleConcSize);
+  if (check.verdict != CallVerdict::kFit) {
+    answerUnfittedCall(check, fitRows, pointMask);
+    return;
+  }
+  const CallCurves& curves = check.curves;
+  const int32_T curveCount = curves.curveCount;
+  const int32_T family = familyStateCount(stateCount);
+  ConcentrationGroups groups;
+  sortOutConcentrations(curves.sampleConc, curveCount, groups);
+
+  real_T referenceRow[kRowColumns];
+  const ScanSource firstScan;  // before any mask exists
+  groupScan(curves, groups, firstScan, family, temperatureC, referenceRow);
+  if (referenceRow[kColRT] < 0.0)
+    fallbackScan(curves, firstScan, family, temperatureC, referenceRow);
+  if (referenceRow[kColRT] < 0.0) {
+    writeCallFailure(curveCount, saturatingMul(curveCount, pointsPerCurve), fitRows, pointMask);
+    return;
+  }
+
+  if (!arrayResizeRowFill(fitRows, kRowColumns * curveCount, 0.0) ||
+      !arrayResizeRowFill(pointMask, curveCount * pointsPerCurve, 1))
+    return;
+  buildPointMasks(curves, family, referenceRow, fitRows->data, pointMask->data);
+
+  ScanSource masked;
+  masked.masked = true;
+  masked.pointMask = vectorView(pointMask);
+  finishPrimaryFit(curves, groups, masked, family, temperatureC, fitRows, pointMask);
+}
+
+}  // namespace quent
