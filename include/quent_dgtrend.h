@@ -93,6 +93,41 @@ QUENT_API void QUENT_dGtrend_normalization(const real_T *values,
                                            int32_T *scaledSize);
 
 /*
+ * Fits every curve of a plate with the model family of stateCount (3: two
+ * transitions, 4: three, any other value: one transition; for now every
+ * value fits one transition) at temperatureC in degrees Celsius (0 to 100).
+ *  - denaturant, signal: all curves one after the other, pointsPerCurve
+ *    points each; the curve count is their length over pointsPerCurve,
+ *    rounded.  sampleConc: one concentration per curve, above 0, equal
+ *    concentrations next to each other.
+ *  - fitRows: host record, resized by the library to 1-by-(24 * curves): one
+ *    24-column row per curve, column 12 (RT) at -1 where no fit was accepted.
+ *  - pointMask: host record, resized by the library to
+ *    1-by-(curves * pointsPerCurve): 1 for a point the curve's accepted fit
+ *    used, 0 for one it dropped; a curve without an accepted fit is all 1.
+ * Differing curve counts of denaturant, signal and sampleConc fail the whole
+ * call: every row at -1 in column 12, zeros elsewhere, every mask entry 1,
+ * shaped by the curve count of denaturant.  More than 96 curves or
+ * concentrations, pointsPerCurve outside 1 to 2304, a vector of more than
+ * 2^31 - 1 elements, or a last curve that would run past the end of
+ * denaturant or signal are refused in the same form, shaped by the host's
+ * vectors (24 columns per sampleConc entry, one mask entry per denaturant
+ * entry) and never beyond 221184 entries each.  No curve: both outputs empty.
+ * Several threads may fit at once, each with its own outputs.
+ */
+QUENT_API void QUENT_dGtrend_primaryFit(int32_T pointsPerCurve,
+                                        const real_T *denaturant,
+                                        const int32_T *denaturantSize,
+                                        const real_T *signal,
+                                        const int32_T *signalSize,
+                                        const real_T *sampleConc,
+                                        const int32_T *sampleConcSize,
+                                        int32_T stateCount,
+                                        real_T temperatureC,
+                                        RealArray *fitRows,
+                                        Int32Array *pointMask);
+
+/*
  * Draws the trend G(c) = intercept + slope * ln(c) on pointCount evenly
  * spaced concentrations from the smallest to the largest entry of conc.
  * coefficients = {slope, intercept}, as returned by the reduction step.

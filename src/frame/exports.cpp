@@ -6,6 +6,7 @@
 #include "analysis/normalization.h"
 #include "analysis/trend_fractions.h"
 #include "frame/array.h"
+#include "primary/primary_fit.h"
 
 using namespace quent;
 
@@ -34,6 +35,16 @@ QUENT_API void QUENT_dGtrend_normalization(const real_T* values, const int32_T* 
                                            real_T reference, real_T target, real_T* scaled,
                                            int32_T* scaledSize) {
   normalization(values, valuesSize, reference, target, scaled, scaledSize);
+}
+
+QUENT_API void QUENT_dGtrend_primaryFit(int32_T pointsPerCurve, const real_T* denaturant,
+                                        const int32_T* denaturantSize, const real_T* signal,
+                                        const int32_T* signalSize, const real_T* sampleConc,
+                                        const int32_T* sampleConcSize, int32_T stateCount,
+                                        real_T temperatureC, RealArray* fitRows,
+                                        Int32Array* pointMask) {
+  primaryFit(pointsPerCurve, denaturant, denaturantSize, signal, signalSize, sampleConc,
+             sampleConcSize, stateCount, temperatureC, fitRows, pointMask);
 }
 
 QUENT_API void QUENT_dGtrend_trend(const real_T* conc, const int32_T* concSize,
