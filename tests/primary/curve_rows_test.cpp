@@ -1,0 +1,125 @@
+// A curve's row and mask under a reference row (mask building and the final
+// fit, for every transition count), the trend of the free energies, and the
+// acceptance gates.
+#include <cmath>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "curves.h"
+#include "frame/fit_row.h"
+#include "primary/acceptance_gates.h"
+#include "primary/curve_point_mask.h"
+#include "primary/final_curve_fit.h"
+#include "primary/free_energy_trend.h"
+
+namespace quent {
+namespace {
+
+struct MaskCase {
+  const char* what;
+  real_T firstPointShift;  // a spike at the first point
+  real_T sharesMoved;      // added to amp1 of the reference
+  bool zeroReference;      // every refit fails
+  real_T code;             // of the curve's row
+  bool fitted, firstCleared;
+};
+
+// A small spike at the first point is cleared by the spike screen, comes back
+// in the revision (it is not among the judged points) and stays: the refit
+// with it still passes.  A large one fails that refit, which clears the first
+// point again and ends the pass on round 1's row.  A reference the refits
+// cannot start from fails all five rounds: the held pass's cleared row
+// stands with all points, code 11, or 12 once the free pass has run.  With
+// two and three transitions the free pass stands while its shares stay near
+// the reference's; otherwise the held pass, recoded 12.
+template <int T>
+void buildsCurveMask(const MaskCase& c) {
+  SCOPED_TRACE(testing::Message() << "T" << T << " " << c.what);
+  constexpr int32_T n = 32 * T;
+  test::Curve<T> curve(n);
+  curve.y[0] += c.firstPointShift;
+  curve.row[8] += c.sharesMoved;
+  if (c.zeroReference) std::fill(curve.row, curve.row + kRowColumns, 0.0);
+  real_T row[kRowColumns];
+  std::vector<int32_T> mask(n, 7), expected(n, 1);
+  expected[0] = !c.firstCleared;
+  buildCurveMask<T>(curve.x, curve.y, n, curve.row, row, mask.data());
+  EXPECT_TRUE(row[13] == c.code && (row[12] > 0.0) == c.fitted && mask == expected) << row[13];
+}
+
+TEST(CurveMask, EveryFamily) {
+  const MaskCase one[] = {{"clean", 0.0, 0.0, false, 1.0, true, false},
+                          {"small first spike", 1.0, 0.0, false, 2.0, true, false},
+                          {"large first spike", 10.0, 0.0, false, 1.0, true, true},
+                          {"no start", 0.0, 0.0, true, 11.0, false, false}};
+  for (const MaskCase& c : one) buildsCurveMask<1>(c);
+  const MaskCase more[] = {{"clean: free pass", 0.0, 0.0, false, 6.0, true, false},
+                           {"shares moved: held pass", 0.0, 0.15, false, 12.0, true, false},
+                           {"no start", 0.0, 0.0, true, 12.0, false, false}};
+  for (const MaskCase& c : more) buildsCurveMask<2>(c), buildsCurveMask<3>(c);
+}
+
+// Too few kept points leave the blank row; a curve the host left out gets
+// the failed rows of codes 34 and 35 in place of its refits, of which only
+// the free one (two and three transitions) shows.  A good held fit of a
+// noise-free curve reaches both plateaus and stands with the family's code.
+template <int T>
+void fitsCurveForGood(real_T heldCode) {
+  SCOPED_TRACE(T);
+  constexpr int32_T n = 32 * T;
+  test::Curve<T> curve(n);
+  real_T row[kRowColumns], blank[kRowColumns], failed35[kRowColumns];
+  writeClearedRow(0.0, blank);
+  writeFailedRow<T>(35.0, failed35);
+  finalCurveFit<T>(curve.x, curve.y, 8 * T - 1, curve.row, true, row);
+  EXPECT_TRUE(std::equal(row, row + kRowColumns, blank));
+  finalCurveFit<T>(curve.x, curve.y, n, curve.row, false, row);
+  EXPECT_TRUE(std::equal(row, row + kRowColumns, T == 1 ? blank : failed35));
+  finalCurveFit<T>(curve.x, curve.y, n, curve.row, true, row);
+  EXPECT_EQ(row[13], heldCode);
+  EXPECT_NEAR(row[4], curve.p[0], 1e-6 * curve.p[0]);
+  EXPECT_EQ(row[14], 1.0);
+}
+
+TEST(FinalCurveFit, EveryFamily) {
+  fitsCurveForGood<1>(2.0);
+  fitsCurveForGood<2>(3.0);
+  fitsCurveForGood<3>(4.0);
+}
+
+// With one valid curve the line goes through its single point (slope m / ln c
+// for ln c of 1 or more), so the energy comes back as Cm times m; a failed
+// row is marked -1 and left alone, and only the transitions some row shows
+// are followed.
+TEST(FreeEnergyTrend, OneValidCurve) {
+  const std::vector<real_T> conc{std::exp(2.0), 3.0};
+  std::vector<real_T> rows(48, 0.0);
+  rows[4] = 6000.0, rows[5] = 3.0, rows[12] = 600.0, rows[28] = 7.0, rows[36] = -3.0;
+  freeEnergyTrend({conc.data(), 1, 2}, 2, nullptr, rows.data());
+  const real_T dG = 3.0 * (std::log(conc[0]) * (2000.0 / std::log(conc[0])) + 0.0);
+  EXPECT_TRUE(rows[4] == dG && rows[18] == std::exp(-(dG / 600.0)) * 1e6);
+  EXPECT_TRUE(rows[6] == 0.0 && rows[19] == 0.0 && rows[28] == 7.0 && rows[36] == -1.0);
+}
+
+// Each gate at its bound: R squared 0.95 and an error of exactly a quarter of
+// dG1 pass; a hair beyond fails, as does any negative energy; NaN passes.  A
+// failing row keeps RT -1 and code 12 only, an earlier failure its own code.
+TEST(AcceptanceGates, Bounds) {
+  const struct { int column; real_T value; bool fails; } cases[] = {
+      {14, 0.95, false}, {14, std::nextafter(0.95, 0.0), true}, {15, 250.0, false},
+      {15, std::nextafter(250.0, 300.0), true}, {6, -1e-9, true}, {9, -1e-9, true},
+      {4, -1.0, true}, {14, NAN, false}, {15, NAN, false}, {12, -1.0, true}};
+  for (const auto& c : cases) {
+    std::vector<real_T> r(24, 0.0), failed(24, 0.0);
+    r[4] = 1000.0, r[5] = 3.0, r[12] = 592.0, r[13] = 5.0, r[14] = 0.99, r[15] = 100.0;
+    r[c.column] = c.value;
+    failed[12] = -1.0, failed[13] = c.column == 12 ? 5.0 : 12.0;
+    if (c.column != 12) EXPECT_EQ(failsAcceptanceGates(r.data()), c.fails);
+    EXPECT_EQ(applyAcceptanceGates(r.data()), c.fails) << c.column << " " << c.value;
+    if (c.fails) EXPECT_EQ(r, failed) << c.column << " " << c.value;
+  }
+}
+
+}  // namespace
+}  // namespace quent

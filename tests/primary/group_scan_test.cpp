@@ -1,0 +1,130 @@
+// Concentration groups, the usable-curve test and the group scans that find
+// the reference row.
+#include <cmath>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "models/curve_models.h"
+#include "primary/curve_usable.h"
+#include "primary/fit_with_mask_revision.h"
+#include "primary/group_scan.h"
+#include "strategies/one_transition_strategy.h"
+
+namespace quent {
+namespace {
+
+using Vec = std::vector<real_T>;
+VectorView<real_T> view(const Vec& v) { return {v.data(), 1, static_cast<int32_T>(v.size())}; }
+
+// The round count starts from the first curve's concentration, so curves in
+// descending order get one round too many (a last round at 0); interleaved
+// values find no room; NaN is never equal, never the top, and sorts last.
+TEST(ConcentrationGroups, Bookkeeping) {
+  const struct { Vec conc, unique; real_T top; int32_T topIndex; std::vector<int32_T> down; } cases[] = {
+      {{2, 2, 2}, {2}, 2, 0, {0, 1, 2}},
+      {{1, 1, 2, 2, 4}, {1, 2, 4}, 4, 4, {4, 2, 3, 0, 1}},
+      {{4, 4, 2, 1}, {0, 1, 2, 4}, 4, 0, {0, 1, 2, 3}},
+      {{1, 2, 1, 2}, {1, 2}, 2, 1, {1, 3, 0, 2}},
+      {{3, NAN, 5, 5}, {3, 5, NAN}, 5, 2, {1, 2, 3, 0}},
+  };
+  for (const auto& c : cases) {
+    const int32_T n = static_cast<int32_T>(c.conc.size());
+    ConcentrationGroups g;
+    sortOutConcentrations(view(c.conc), n, g);
+    ASSERT_EQ(g.groupCount, static_cast<int32_T>(c.unique.size())) << c.conc[0];
+    for (size_t k = 0; k < c.unique.size(); ++k)
+      EXPECT_TRUE(g.uniqueConc[k] == c.unique[k] || std::isnan(c.unique[k])) << k;
+    EXPECT_TRUE(g.topConc == c.top && g.topIndex == c.topIndex);
+    std::vector<int32_T> order(n);
+    curvesByDescendingConcentration(view(c.conc), n, order.data());
+    EXPECT_EQ(order, c.down);
+  }
+}
+
+// n points of a transition at Cm on x0..x0 + 6, from a native baseline
+// a + b x to a flat unfolded one at 80; appended to x and y.
+void transition(int32_T n, real_T Cm, Vec& x, Vec& y, real_T a = 10.0, real_T b = 0.0,
+                real_T x0 = 0.0) {
+  const real_T params[7] = {8000.0, Cm, a, b, 80.0, 0.0, rtFromCelsius(25.0)};
+  Vec px(n), py(n);
+  for (int32_T i = 0; i < n; ++i) px[i] = x0 + 6.0 * i / (n - 1);
+  curveModel<1>(params, px.data(), n, py.data());
+  x.insert(x.end(), px.begin(), px.end()), y.insert(y.end(), py.begin(), py.end());
+}
+
+// Within 8 to 384 points and with distinct ends a clean transition is usable
+// in every form; the masked forms take the mask as given (a host matrix by
+// its first row, a short mask keeping nothing past its end), and fewer than
+// three kept points cannot carry an attempt.
+TEST(CurveUsable, Forms) {
+  for (const int32_T n : {7, 8, 384, 385, -40}) {
+    Vec x, y;
+    transition(n < 0 ? -n : n, 3.0, x, y);
+    if (n < 0) x.back() = x.front();
+    const int32_T m = static_cast<int32_T>(x.size());
+    const std::vector<int32_T> ones(m, 1);
+    const real_T usable = n == 8 || n == 384 ? 1.0 : 0.0;
+    EXPECT_EQ(curveUsable<1>(x.data(), m, y.data(), m), usable) << n;
+    EXPECT_EQ(curveUsableMasked<1>(x.data(), m, y.data(), m, ones.data(), m), usable) << n;
+  }
+  Vec x, y;
+  transition(40, 3.0, x, y);
+  std::vector<int32_T> host(80, 0);  // first row: all kept, second row: none
+  for (int32_T i = 0; i < 40; ++i) host[2 * i] = 1;
+  const int32_T hostSize[2] = {2, 40};
+  EXPECT_EQ(curveUsableMaskedPair<1>(x.data(), 40, y.data(), 40, host.data(), hostSize), 1.0);
+  for (int32_T i = 0; i < 80; ++i) host[i] = i % 2 == 1 || i < 4;  // first row: two kept
+  EXPECT_EQ(curveUsableMaskedPair<1>(x.data(), 40, y.data(), 40, host.data(), hostSize), 0.0);
+  EXPECT_EQ(curveUsableMasked<1>(x.data(), 40, y.data(), 40, host.data() + 1, 3), 0.0);
+  EXPECT_EQ(curveUsable<1>(x.data(), 40, y.data(), 39), 0.0);
+}
+
+// Curves whose native baseline meets x = 0 below zero (the signal stays
+// positive from x = 2 on): their fits succeed with a negative first baseline
+// value, so a scan moves on to the next lower concentration.  Given low to
+// high it ends on the lowest group, whose fit stands; given high to low, the
+// extra round at concentration 0 finds no curve and leaves a failed row.  A
+// masked scan averages kept points only, fits without mask revision, and
+// leaves the zero row when no group has 8 mean points.
+TEST(GroupScan, RoundsAndVariants) {
+  const auto scan = [](const Vec& conc, const std::vector<int32_T>* mask, real_T* row) {
+    Vec den, sig;
+    for (const real_T c : conc) transition(40, 7.25 - 0.25 * c, den, sig, -3.0, 2.0, 2.0);
+    const CallCurves curves{view(den), view(sig), view(conc), 40, 4};
+    ConcentrationGroups groups;
+    sortOutConcentrations(curves.sampleConc, 4, groups);
+    ScanSource source;
+    if (mask) source.masked = true, source.pointMask = {mask->data(), 1, 160};
+    groupScan(curves, groups, source, 2, 25.0, row);
+    // The expected row: the fit of the mean of the kept points of curves 0 and 1.
+    Vec x, y;
+    for (int32_T i = 0; i < 40; ++i) {
+      const bool a = !mask || (*mask)[i], b = !mask || (*mask)[40 + i];
+      const real_T mean = a && b ? (sig[i] + sig[40 + i]) / 2 : a ? sig[i] : sig[40 + i];
+      if (mean > 0.0) x.push_back(den[i]), y.push_back(mean);
+    }
+    const int32_T n = static_cast<int32_T>(x.size());
+    std::vector<int32_T> revised(n);
+    Vec expected(kRowColumns);
+    if (mask) fitOneTransition(x.data(), n, y.data(), n, 25.0, expected.data());
+    else fitWithMaskRevision(x.data(), y.data(), n, 2.0, 25.0, expected.data(), revised.data());
+    return expected;
+  };
+  real_T row[kRowColumns];
+  const Vec up = scan({1, 1, 2, 2}, nullptr, row);
+  EXPECT_TRUE(up[0] < 0.0 && up[12] > 0.0 && std::equal(row, row + kRowColumns, up.begin()));
+  scan({2, 2, 1, 1}, nullptr, row);
+  for (int k = 0; k < kRowColumns; ++k) EXPECT_EQ(row[k], k == 12 ? -1.0 : 0.0) << k;
+
+  std::vector<int32_T> mask(160, 1);
+  mask[10] = mask[11] = mask[52] = 0;
+  EXPECT_TRUE(std::equal(row, row + kRowColumns, scan({1, 1, 2, 2}, &mask, row).begin()));
+  mask.assign(160, 0);
+  for (int32_T i = 33; i < 160; i += 40) std::fill(mask.begin() + i, mask.begin() + i + 7, 1);
+  scan({1, 1, 2, 2}, &mask, row);
+  EXPECT_EQ(Vec(row, row + kRowColumns), Vec(kRowColumns, 0.0));
+}
+
+}  // namespace
+}  // namespace quent

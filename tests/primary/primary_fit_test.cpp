@@ -1,0 +1,133 @@
+// The primary fit through its export: refusals and failures of the whole
+// call, the stride rule, the families a state count selects, and a synthetic
+// plate whose generating energies and midpoints come back.
+#include <cmath>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "plate.h"
+
+namespace quent {
+namespace {
+
+using test::FitResult;
+using test::Plate;
+
+// Rows of zeros with -1 in column 12, and a mask of ones.
+void expectWholeCallFailure(const FitResult& r, int32_T rows, int32_T maskEntries) {
+  ASSERT_EQ(r.rows.size(), static_cast<size_t>(24 * rows));
+  for (size_t k = 0; k < r.rows.size(); ++k) EXPECT_EQ(r.rows[k], k % 24 == 12 ? -1.0 : 0.0) << k;
+  EXPECT_EQ(r.mask, std::vector<int32_T>(maskEntries, 1));
+}
+
+// Sizes and counts as a host may pass them; no data is read.  A disagreement
+// is shaped by the curve count of the denaturant, a refusal by the host's
+// vectors, capped.
+TEST(PrimaryFitEntry, RefusedAndFailedCalls) {
+  const std::vector<real_T> buffer(64, 1.0);
+  const struct {
+    const char* what;
+    int32_T points, den[2], sig[2], conc[2], rows, maskEntries;
+  } cases[] = {
+      {"signal one point short", 10, {1, 40}, {1, 35}, {1, 4}, 4, 40},
+      {"fewer concentrations than curves", 10, {1, 40}, {1, 40}, {1, 3}, 4, 40},
+      {"97 curves", 8, {1, 776}, {1, 776}, {1, 97}, 97, 776},
+      {"97 concentrations for 4 curves", 8, {1, 32}, {1, 32}, {1, 97}, 97, 32},
+      {"2305 points", 2305, {1, 2305}, {1, 2305}, {1, 1}, 1, 2305},
+      {"no points per curve", 0, {1, 40}, {1, 40}, {1, 4}, 4, 40},
+      {"negative points per curve", -8, {1, 40}, {1, 40}, {1, 4}, 4, 40},
+      {"last curve short (9.5 curves round to 10)", 10, {1, 95}, {1, 95}, {1, 10}, 10, 95},
+      {"more elements than int32_T counts", 8, {65536, 65536}, {1, 16}, {1, 2}, 2, 65536},
+      {"absurd sizes, capped", 8, {1, 2000000000}, {1, 8}, {1, 1000000}, 9216, 221184},
+      {"no curve at all", 10, {1, 4}, {1, 4}, {1, 0}, 0, 0},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    test::OwnedArray<RealArray> rows;
+    test::OwnedArray<Int32Array> mask;
+    QUENT_dGtrend_primaryFit(c.points, buffer.data(), c.den, buffer.data(), c.sig, buffer.data(),
+                             c.conc, 2, 25.0, rows.get(), mask.get());
+    expectWholeCallFailure(test::resultOf(rows, mask), c.rows, c.maskEntries);
+  }
+}
+
+// Curves of more than 384 points are usable for no group and no strategy
+// takes them: the call fails after the reference stage, shaped by its curves.
+TEST(PrimaryFitEntry, NoReferenceRow) {
+  expectWholeCallFailure(test::primaryFitOf(Plate({1.0, 2.0}, 2, 400)), 4, 1600);
+}
+
+// One curve is its own group mean.  Every state count fits one transition for
+// now, and a host matrix shows only its first row.
+TEST(PrimaryFit, OneCurveStateCountsAndStride) {
+  const Plate p({2.0}, 1, 48);
+  const FitResult plain = test::primaryFitOf(p);
+  ASSERT_EQ(plain.rows.size(), 24u);
+  EXPECT_EQ(plain.row(0)[13], 2.0);
+  EXPECT_NEAR(plain.row(0)[5], Plate::dG(2.0) / Plate::kM, 1e-3 * Plate::dG(2.0) / Plate::kM);
+  EXPECT_NEAR(plain.row(0)[4], Plate::dG(2.0), 0.01 * Plate::dG(2.0));
+  for (int32_T stateCount : {3, 4, 7, 0, -1}) EXPECT_EQ(test::primaryFitOf(p, stateCount), plain);
+
+  std::vector<real_T> den(2 * p.den.size(), NAN), sig(den), conc{p.conc[0], -5.0};
+  for (size_t i = 0; i < p.den.size(); ++i) den[2 * i] = p.den[i], sig[2 * i] = p.sig[i];
+  const int32_T matrix[2] = {2, 48}, concMatrix[2] = {2, 1};
+  test::OwnedArray<RealArray> rows;
+  test::OwnedArray<Int32Array> mask;
+  QUENT_dGtrend_primaryFit(48, den.data(), matrix, sig.data(), matrix, conc.data(), concMatrix, 2,
+                           25.0, rows.get(), mask.get());
+  EXPECT_EQ(test::resultOf(rows, mask), plain);
+}
+
+// Three concentrations, three replicates, a ripple of 0.05 on a signal span of
+// 58, and two spikes of 8 in the plateaus: above 0.15 of the signal's spread
+// (about 4.4), below what the spike screen clears there (about 12), so the
+// residual revision finds them.  The ripple moves a midpoint by about 0.01%
+// and the shared m value each energy by about 0.25%; the bounds are a few
+// times that, far below what a wrong group, a kept spike or a wrong trend
+// would cost.
+TEST(PrimaryFit, SyntheticPlate) {
+  const std::vector<real_T> concs{0.5, 2.0, 8.0};
+  const Plate p(concs, 3, 48, 0.05, {{1, 6, 8.0}, {7, 41, -8.0}});
+  const FitResult r = test::primaryFitOf(p);
+  ASSERT_EQ(r.rows.size(), 24u * 9);
+  for (int32_T c = 0; c < 9; ++c) {
+    SCOPED_TRACE(c);
+    const real_T conc = p.conc[c];
+    EXPECT_EQ(r.row(c)[13], 2.0);
+    EXPECT_GT(r.row(c)[14], 0.999);
+    EXPECT_NEAR(r.row(c)[5], Plate::dG(conc) / Plate::kM, 0.001 * Plate::dG(conc) / Plate::kM);
+    EXPECT_NEAR(r.row(c)[4], Plate::dG(conc), 0.01 * Plate::dG(conc));
+    for (int32_T i = 0; i < 48; ++i) {
+      const bool spike = (c == 1 && i == 6) || (c == 7 && i == 41);
+      EXPECT_EQ(r.mask[48 * c + i], spike ? 0 : 1) << i;
+    }
+  }
+  // Every working buffer belongs to its thread: fits side by side agree.
+  FitResult a, b;
+  std::thread ta([&] { a = test::primaryFitOf(p); }), tb([&] { b = test::primaryFitOf(p); });
+  ta.join(), tb.join();
+  EXPECT_TRUE(a == r && b == r);
+}
+
+// The trend line needs two distinct concentrations.  All equal (at 1, where
+// the logarithm is 0) leave it without a slope, and a concentration of 0 has
+// no logarithm: either way every energy becomes NaN, every row fails at the
+// gates (code 12) and reports all of its points, although the same curves at
+// two concentrations drop their spike.
+TEST(PrimaryFit, AllRowsRejected) {
+  Plate p({1.0, 2.0}, 1, 48, 0.05, {{0, 6, 8.0}});
+  ASSERT_EQ(test::primaryFitOf(p).mask[6], 0);
+  for (const real_T conc : {1.0, 0.0}) {
+    SCOPED_TRACE(conc);
+    p.conc.assign(2, conc);
+    const FitResult r = test::primaryFitOf(p);
+    for (int32_T c = 0; c < 2; ++c)
+      for (int k = 0; k < 24; ++k) EXPECT_EQ(r.row(c)[k], k == 12 ? -1.0 : k == 13 ? 12.0 : 0.0);
+    EXPECT_EQ(r.mask, std::vector<int32_T>(96, 1));
+  }
+}
+
+}  // namespace
+}  // namespace quent
