@@ -113,7 +113,8 @@ QUENT_API void QUENT_dGtrend_normalization(const real_T *values,
  * denaturant or signal are refused in the same form, shaped by the host's
  * vectors (24 columns per sampleConc entry, one mask entry per denaturant
  * entry) and never beyond 221184 entries each.  No curve: both outputs empty.
- * Several threads may fit at once, each with its own outputs.
+ * A null output record gets nothing written.  Several threads may fit at
+ * once, each with its own outputs.
  */
 QUENT_API void QUENT_dGtrend_primaryFit(int32_T pointsPerCurve,
                                         const real_T *denaturant,

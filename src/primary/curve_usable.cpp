@@ -1,4 +1,4 @@
-// One text for every family; a member names the fewest points a curve needs
+// One procedure for every family; a member names the fewest points a curve needs
 // and the fixed-RT attempts tried on it, in order.  The first attempt to reach
 // 0.95 settles the question, so a good curve costs a single fit.
 #include "primary/curve_usable.h"

@@ -6,7 +6,6 @@
 #include <cmath>
 
 #include "frame/limits.h"
-#include "primary/curve_usable.h"
 #include "quent_dgtrend.h"
 #include "strategies/one_transition_strategy.h"
 
@@ -63,6 +62,9 @@ template <> struct FamilyRules<3> {
 // The fits a family brings, in the library as its strategies join it:
 //   T | whole curve, blank start | on a point mask         | usable curve
 //   1 | fitOneTransition         | fitOneTransitionMasked  | curveUsable<1>
+// (curveUsable<T> takes its attempts from its own member table.)  The refits
+// from a reference row, refitMasked<T> and refitFromRow<T>, and the end
+// agreement exist for every family and need no entry here.
 template <int T> struct FamilyFits {
   static constexpr bool kInLibrary = false;
 };
