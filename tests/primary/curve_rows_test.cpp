@@ -2,6 +2,7 @@
 // fit, for every transition count), the trend of the free energies, and the
 // acceptance gates.
 #include <cmath>
+#include <tuple>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -86,6 +87,17 @@ TEST(FinalCurveFit, EveryFamily) {
   fitsCurveForGood<1>(2.0);
   fitsCurveForGood<2>(3.0);
   fitsCurveForGood<3>(4.0);
+  // With amp1 of the reference 0.08 off, the held two-transition fit misses
+  // a plateau and the free fit, back at the curve's share, stands; 0.12 off
+  // it is too far from the reference, and the held fit stands.
+  for (const auto& [moved, code, amp1] : {std::tuple{0.08, 6.0, 0.4}, {0.12, 3.0, 0.52}}) {
+    test::Curve<2> curve(64);
+    curve.row[8] += moved;
+    real_T row[kRowColumns];
+    finalCurveFit<2>(curve.x, curve.y, 64, curve.row, true, row);
+    EXPECT_EQ(row[13], code);
+    EXPECT_NEAR(row[8], amp1, 1e-9);
+  }
 }
 
 // With one valid curve the line goes through its single point (slope m / ln c
