@@ -107,12 +107,12 @@ QUENT_API void QUENT_dGtrend_normalization(const real_T *values,
  *    used, 0 for one it dropped; a curve without an accepted fit is all 1.
  * Differing curve counts of denaturant, signal and sampleConc fail the whole
  * call: every row at -1 in column 12, zeros elsewhere, every mask entry 1,
- * shaped by the curve count of denaturant.  More than 96 curves or
- * concentrations, pointsPerCurve outside 1 to 2304, a vector of more than
- * 2^31 - 1 elements, or a last curve that would run past the end of
- * denaturant or signal are refused in the same form, shaped by the host's
- * vectors (24 columns per sampleConc entry, one mask entry per denaturant
- * entry) and never beyond 221184 entries each.  No curve: both outputs empty.
+ * shaped by the curve count of denaturant.  More than 96 curves,
+ * pointsPerCurve outside 1 to 2304, a vector of more than 2^31 - 1 elements,
+ * or a last curve that would run past the end of denaturant or signal are
+ * refused in the same form, shaped by the host's vectors (24 columns per
+ * sampleConc entry, one mask entry per denaturant entry).  No failure answer
+ * grows an output beyond 221184 entries.  No curve: both outputs empty.
  * A null output record gets nothing written.  Several threads may fit at
  * once, each with its own outputs.
  */

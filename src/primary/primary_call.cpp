@@ -62,11 +62,11 @@ CallCheck checkCall(int32_T pointsPerCurve, const real_T* denaturant,
 
   c.curveCount = curvesIn(c.denaturant.length, pointsPerCurve);
   const int32_T signalCurves = curvesIn(c.signal.length, pointsPerCurve);
-  if (c.curveCount > kMaxCurves || c.sampleConc.length > kMaxCurves) return check;
   if (c.curveCount != signalCurves || c.curveCount != c.sampleConc.length) {
     check.verdict = CallVerdict::kMismatch;
     return check;
   }
+  if (c.curveCount > kMaxCurves) return check;
   if (c.curveCount == 0) {
     check.verdict = CallVerdict::kEmpty;
     return check;
@@ -93,8 +93,9 @@ void answerUnfittedCall(const CallCheck& check, RealArray* fitRows, Int32Array* 
       writeCallFailure(0, 0, fitRows, pointMask);
       return;
     case CallVerdict::kMismatch:
-      writeCallFailure(c.curveCount, saturatingMul(c.curveCount, c.pointsPerCurve), fitRows,
-                       pointMask);
+      writeCallFailure(atMost(c.curveCount, kMaxRefusalEntries / kRowColumns),
+                       atMost(saturatingMul(c.curveCount, c.pointsPerCurve), kMaxRefusalEntries),
+                       fitRows, pointMask);
       return;
     default:
       writeCallFailure(atMost(c.sampleConc.length, kMaxRefusalEntries / kRowColumns),

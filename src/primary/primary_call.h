@@ -40,9 +40,9 @@ struct CallCheck {
 };
 
 // The shape check of a call, with its refusals: pointsPerCurve outside 1 to
-// 2304, more than 96 curves or concentrations, a vector of more elements
-// than int32_T counts, or a last curve that would read past the end of
-// denaturant or signal.
+// 2304, a vector of more elements than int32_T counts, more than 96 curves
+// (when denaturant, signal and sampleConc agree on the count), or a last
+// curve that would read past the end of denaturant or signal.
 CallCheck checkCall(int32_T pointsPerCurve, const real_T* denaturant,
                     const int32_T* denaturantSize, const real_T* signal, const int32_T* signalSize,
                     const real_T* sampleConc, const int32_T* sampleConcSize);
@@ -53,7 +53,8 @@ void writeCallFailure(int32_T rowCount, int32_T maskCount, RealArray* fitRows,
                       Int32Array* pointMask);
 
 // The answer to a call that fits nothing (any verdict but kFit).  A mismatch
-// is shaped by the curve count of the denaturant; a refusal by the host's
+// is shaped by the curve count of the denaturant, as far as kMaxRefusalEntries
+// allows; a refusal by the host's
 // vectors, 24 columns per concentration and one mask entry per denaturant
 // entry, neither beyond kMaxRefusalEntries; no curve gives empty outputs.
 void answerUnfittedCall(const CallCheck& check, RealArray* fitRows, Int32Array* pointMask);

@@ -34,7 +34,7 @@ TEST(PrimaryFitEntry, RefusedAndFailedCalls) {
       {"signal one point short", 10, {1, 40}, {1, 35}, {1, 4}, 4, 40},
       {"fewer concentrations than curves", 10, {1, 40}, {1, 40}, {1, 3}, 4, 40},
       {"97 curves", 8, {1, 776}, {1, 776}, {1, 97}, 97, 776},
-      {"97 concentrations for 4 curves", 8, {1, 32}, {1, 32}, {1, 97}, 97, 32},
+      {"97 concentrations for 4 curves", 8, {1, 32}, {1, 32}, {1, 97}, 4, 32},
       {"2305 points", 2305, {1, 2305}, {1, 2305}, {1, 1}, 1, 2305},
       {"no points per curve", 0, {1, 40}, {1, 40}, {1, 4}, 4, 40},
       {"negative points per curve", -8, {1, 40}, {1, 40}, {1, 4}, 4, 40},
