@@ -113,7 +113,7 @@ QUENT_API void QUENT_dGtrend_normalization(const real_T *values,
  * refused in the same form, shaped by the host's vectors (24 columns per
  * sampleConc entry, one mask entry per denaturant entry).  No failure answer
  * grows an output beyond 221184 entries.  No curve: both outputs empty.
- * A null output record gets nothing written.  Several threads may fit at
+ * With a null output record the call does nothing.  Several threads may fit at
  * once, each with its own outputs.
  */
 QUENT_API void QUENT_dGtrend_primaryFit(int32_T pointsPerCurve,
