@@ -1,8 +1,13 @@
-// Small helpers for the tests: owned records and bit-exact comparison.
+// Small helpers for the tests: owned records, bit-exact comparison, and the
+// even grids every synthetic curve is drawn on.
 #pragma once
 
+#include <gtest/gtest.h>
+
+#include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <vector>
 
 #include "frame/array.h"
 #include "quent_dgtrend.h"
@@ -26,6 +31,38 @@ inline std::uint64_t bits(double x) {
   std::uint64_t b;
   std::memcpy(&b, &x, sizeof b);
   return b;
+}
+
+// Bit for bit, so -0.0 differs from 0.0; any NaN equals any NaN, since the
+// sign of a NaN follows the operand order the compiler picks.
+inline bool sameBits(double a, double b) {
+  return (std::isnan(a) && std::isnan(b)) || bits(a) == bits(b);
+}
+
+// An entry of an expected list that is not checked.
+inline constexpr double kAny = -7.0;
+
+inline void expectList(const double* got, std::size_t count, const std::vector<double>& want,
+                       const char* what = "") {
+  ASSERT_EQ(count, want.size()) << what;
+  for (std::size_t i = 0; i < count; ++i)
+    if (want[i] != kAny)
+      EXPECT_TRUE(sameBits(got[i], want[i])) << what << " [" << i << "] " << got[i] << " for " << want[i];
+}
+
+// n points evenly from low to high.
+inline std::vector<real_T> grid(int32_T n, real_T low, real_T high) {
+  std::vector<real_T> x(n);
+  for (int32_T i = 0; i < n; ++i) x[i] = low + (high - low) * i / (n - 1);
+  return x;
+}
+
+// A model (curveModel1, gaussianSum2, ...) evaluated at every x.
+using ModelFunction = void (*)(const real_T*, const real_T*, int32_T, real_T*);
+inline std::vector<real_T> evaluated(ModelFunction model, const real_T* p, const std::vector<real_T>& x) {
+  std::vector<real_T> y(x.size());
+  model(p, x.data(), static_cast<int32_T>(x.size()), y.data());
+  return y;
 }
 
 }  // namespace quent::test

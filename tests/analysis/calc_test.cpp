@@ -15,8 +15,9 @@ namespace quent {
 namespace {
 
 using Reals = std::vector<real_T>;
+using test::kAny;
+using test::expectList;
 constexpr real_T kNaN = NAN;
-constexpr real_T kAny = -7.0;  // a summary entry the case leaves unchecked
 
 // One curve as its row shows it; rt above 0 marks a fitted row.
 struct Curve { real_T conc; int32_T flag; real_T rt; real_T dG[3]; real_T err[3]; };
@@ -52,21 +53,14 @@ struct Calc {
     const int32_T cs[2] = {stride, n}, rs[2] = {stride, 24 * n - dropColumns};
     return Calc(c.data(), cs, rows.data(), rs, f.data(), transition);
   }
-  // Per concentration: conc, trend, deviation, used; then the summary.  NaN
-  // matches NaN and kAny anything.
+  // Per concentration: conc, trend, deviation, used; then the summary.
   void expect(const std::vector<Reals>& columns, const Reals& sums) const {
-    const Reals got[5] = {{conc->data, conc->data + conc.count()},
-                          {trend->data, trend->data + trend.count()},
-                          {dev->data, dev->data + dev.count()},
-                          {used->data, used->data + used.count()}, {summary, summary + 4}};
-    for (int32_T k = 0; k < 5; ++k) {
-      const Reals& want = k < 4 ? columns[k] : sums;
-      ASSERT_EQ(got[k].size(), want.size()) << "list " << k;
-      for (std::size_t i = 0; i < want.size(); ++i)
-        if (want[i] != kAny)
-          EXPECT_TRUE(std::isnan(want[i]) ? std::isnan(got[k][i]) : got[k][i] == want[i])
-              << "list " << k << ", entry " << i << ": " << got[k][i] << " for " << want[i];
-    }
+    expectList(conc->data, conc.count(), columns[0], "conc");
+    expectList(trend->data, trend.count(), columns[1], "trend");
+    expectList(dev->data, dev.count(), columns[2], "deviation");
+    const Reals flags(used->data, used->data + used.count());
+    expectList(flags.data(), flags.size(), columns[3], "used");
+    expectList(summary, 4, sums, "summary");
   }
   void expectEmptyAnswer(const Reals& concs) const {
     const Reals zeros(concs.size(), 0.0);
