@@ -62,9 +62,7 @@ TEST(PivotedQr, SubnormalColumnGetsTheReflectorOfItsScaledUpCopy) {
 }
 
 // The shortcuts for exact zeros must leave every bit as the literal steps do,
-// whatever the matrix holds.  NaN is compared as NaN: its sign bit follows the
-// operand order the compiler picks, which no caller can observe.
-uint64_t key(double x) { return std::isnan(x) ? 1 : bits(x); }
+// whatever the matrix holds.
 
 enum class Shape { Damped, DampedPoisoned, SmallPool };
 class QrAgreesWithLiteralSteps : public ::testing::TestWithParam<Shape> {};
@@ -100,8 +98,8 @@ TEST_P(QrAgreesWithLiteralSteps, BitForBit) {
     literalPivotedQr(literal.data(), m, n, tauLiteral.data(), jpvtLiteral.data());
     pivotedQr(a.data(), m, n, tau.data(), jpvt.data());
     ASSERT_EQ(jpvt, jpvtLiteral) << "trial " << trial;
-    for (int i = 0; i < k; ++i) ASSERT_EQ(key(tau[i]), key(tauLiteral[i])) << "trial " << trial;
-    for (size_t i = 0; i < a.size(); ++i) ASSERT_EQ(key(a[i]), key(literal[i])) << "trial " << trial;
+    for (int i = 0; i < k; ++i) ASSERT_TRUE(sameBits(tau[i], tauLiteral[i])) << "trial " << trial;
+    for (size_t i = 0; i < a.size(); ++i) ASSERT_TRUE(sameBits(a[i], literal[i])) << "trial " << trial;
   }
 }
 
@@ -130,10 +128,6 @@ TEST(LineFit, GivesExactCoefficientsAndNoUsableLineFromBadPoints) {
 }
 
 TEST(LineFit, ThreePointFormMatchesTheGeneralOneBitForBit) {
-  const double x[] = {1.0, 2.0, 3.0}, y[] = {3.0, 5.0, 7.0};
-  // Exact up to the rounding of a three-point solve, a few ulps of the data.
-  EXPECT_NEAR(lineFit3(x, y).slope, 2.0, 1e-14);
-  EXPECT_NEAR(lineFit3(x, y).intercept, 1.0, 1e-14);
   std::mt19937_64 rng(5);
   std::normal_distribution<double> normal;
   for (int trial = 0; trial < 200; ++trial) {
