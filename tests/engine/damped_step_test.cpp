@@ -3,9 +3,8 @@
 // evaluation of every column.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
-#include <cstring>
-#include <limits>
 #include <random>
 #include <vector>
 
@@ -14,13 +13,12 @@
 #include "engine/left_divide.h"
 #include "engine/model_bindings.h"
 #include "frame/limits.h"
+#include "test_support.h"
 
 namespace quent {
 namespace {
 
-bool sameBits(real_T a, real_T b) {
-  return (std::isnan(a) && std::isnan(b)) || std::memcmp(&a, &b, sizeof a) == 0;
-}
+using test::sameBits;
 
 struct StepBuffers {
   std::vector<real_T> jplus, rplus, tau, rhs, step;
@@ -33,75 +31,47 @@ struct StepBuffers {
   }
 };
 
-TEST(DampedStep, NaNAnywhereGivesAZeroStep) {
-  // 3 residuals, 2 unknowns.
-  real_T J[6] = {1.0, 2.0, 3.0, 0.5, -1.0, 2.0};
-  real_T r[3] = {1.0, -1.0, 0.5};
+// 3 residuals, 2 unknowns.  A NaN anywhere gives a zero step.  +inf passes
+// the guard: its column's scale is +inf too and the sum stays +inf; -inf
+// meets that +inf scale below it, the sum is NaN and no step is taken.
+TEST(DampedStep, NonFiniteEntriesAndAZeroColumn) {
+  const struct { const char* what; real_T J[6], r[3]; bool zero; } cases[] = {
+      {"finite", {1, 2, 3, 0.5, -1, 2}, {1, -1, 0.5}, false},
+      {"NaN in J", {1, 2, 3, 0.5, NAN, 2}, {1, -1, 0.5}, true},
+      {"NaN in r", {1, 2, 3, 0.5, -1, 2}, {1, NAN, 0.5}, true},
+      {"+inf", {1, INFINITY, 3, 0.5, -1, 2}, {1, -1, 0.5}, false},
+      {"-inf", {1, -INFINITY, 3, 0.5, -1, 2}, {1, -1, 0.5}, true}};
   StepBuffers b(3, 2);
+  for (const auto& c : cases) {
+    lmStep(c.J, 3, 2, c.r, 0.01, b.step.data(), b.work);
+    EXPECT_EQ(b.step[0] == 0.0 && b.step[1] == 0.0, c.zero) << c.what;
+  }
+  // A zero column gets a zero scale and a +0.0 step; the other solves
+  // (J'J + 0.01 J'J) s = J'r.
+  const real_T J[6] = {1.0, 2.0, 3.0, 0.0, 0.0, 0.0}, r[3] = {1.0, 2.0, 3.0};
   lmStep(J, 3, 2, r, 0.01, b.step.data(), b.work);
-  EXPECT_NE(b.step[0], 0.0);
-
-  J[4] = NAN;
-  lmStep(J, 3, 2, r, 0.01, b.step.data(), b.work);
-  EXPECT_EQ(b.step[0], 0.0);
-  EXPECT_EQ(b.step[1], 0.0);
-
-  J[4] = -1.0;
-  r[1] = NAN;
-  lmStep(J, 3, 2, r, 0.01, b.step.data(), b.work);
-  EXPECT_EQ(b.step[0], 0.0);
+  EXPECT_TRUE(sameBits(b.step[1], 0.0));
+  EXPECT_NEAR(b.step[0], 14.0 / (14.0 * 1.01), 1e-12);
 }
 
-TEST(DampedStep, InfinityPassesTheGuardUnlessItsColumnHoldsBothSigns) {
-  real_T r[3] = {1.0, -1.0, 0.5};
-  StepBuffers b(3, 2);
-  // +inf: the column's scale is +inf too, the sum stays +inf, a solve runs.
-  real_T plus[6] = {1.0, INFINITY, 3.0, 0.5, -1.0, 2.0};
-  lmStep(plus, 3, 2, r, 0.01, b.step.data(), b.work);
-  EXPECT_FALSE(b.step[0] == 0.0 && b.step[1] == 0.0);
-  // -inf meets the +inf scale below it: the sum is NaN and no step is taken.
-  real_T minus[6] = {1.0, -INFINITY, 3.0, 0.5, -1.0, 2.0};
-  lmStep(minus, 3, 2, r, 0.01, b.step.data(), b.work);
-  EXPECT_EQ(b.step[0], 0.0);
-  EXPECT_EQ(b.step[1], 0.0);
-}
-
-TEST(DampedStep, ZeroColumnGetsZeroScaleAndZeroStep) {
-  real_T J[6] = {1.0, 2.0, 3.0, 0.0, 0.0, 0.0};
-  real_T r[3] = {1.0, 2.0, 3.0};
-  StepBuffers b(3, 2);
-  lmStep(J, 3, 2, r, 0.01, b.step.data(), b.work);
-  EXPECT_EQ(b.step[1], 0.0);
-  EXPECT_FALSE(std::signbit(b.step[1]));
-  EXPECT_NEAR(b.step[0], 14.0 / (14.0 * 1.01), 1e-12);  // (J'J + 0.01 J'J) s = J'r
-}
-
-TEST(LeftDivide, RankDeficientSystemGivesTheBasicSolution) {
-  // Third column = first + second: rank 2, one unknown exactly 0.
+// Third column = first + second: rank 2, one unknown exactly 0, and the
+// fitted part of b is (1, 2, 0, 0).  No rows: zeros.  Square: LU.
+TEST(LeftDivide, BasicSolutionEmptyAndSquareSystems) {
   real_T a[12] = {1, 0, 0, 0, 0, 1, 0, 0, 1, 1, 0, 0};
   const real_T b[4] = {1.0, 2.0, 3.0, 4.0};
   real_T x[3], tau[3], rhs[4];
   int32_T jpvt[3];
   leftDivide(a, 4, 3, b, x, {tau, jpvt, rhs});
-  int zeros = 0;
-  for (real_T v : x) zeros += v == 0.0 ? 1 : 0;
-  EXPECT_EQ(zeros, 1);
-  // Least squares: the fitted part of b is (1, 2, 0, 0).
+  EXPECT_EQ(std::count(x, x + 3, 0.0), 1);
   EXPECT_NEAR(x[0] + x[2], 1.0, 1e-15);
   EXPECT_NEAR(x[1] + x[2], 2.0, 1e-15);
-}
-
-TEST(LeftDivide, EmptySystemGivesZerosAndSquareSystemUsesLu) {
-  real_T x[2] = {7.0, 7.0}, tau[2], rhs[2];
-  int32_T jpvt[2];
+  x[0] = x[1] = 7.0;
   leftDivide(nullptr, 0, 2, nullptr, x, {tau, jpvt, rhs});
-  EXPECT_EQ(x[0], 0.0);
-  EXPECT_EQ(x[1], 0.0);
-  real_T a[4] = {2.0, 4.0, 1.0, 3.0};  // [[2, 1], [4, 3]]
-  const real_T b[2] = {3.0, 7.0};
-  leftDivide(a, 2, 2, b, x, {tau, jpvt, rhs});
-  EXPECT_EQ(x[0], 1.0);
-  EXPECT_EQ(x[1], 1.0);
+  EXPECT_TRUE(x[0] == 0.0 && x[1] == 0.0);
+  real_T square[4] = {2.0, 4.0, 1.0, 3.0};  // [[2, 1], [4, 3]]
+  const real_T b2[2] = {3.0, 7.0};
+  leftDivide(square, 2, 2, b2, x, {tau, jpvt, rhs});
+  EXPECT_TRUE(x[0] == 1.0 && x[1] == 1.0);
 }
 
 TEST(LuSolve, PartialPivotingAndAZeroPivotPassedOver) {
@@ -112,12 +82,11 @@ TEST(LuSolve, PartialPivotingAndAZeroPivotPassedOver) {
   luSolve(a, 3, b, x, pivots);
   EXPECT_EQ(pivots[0], 2);  // the 7 in the first column is the pivot
   for (real_T v : x) EXPECT_NEAR(v, 1.0, 1e-14);
-
   real_T singular[4] = {0.0, 0.0, 0.0, 1.0};  // [[0, 0], [0, 1]]
   const real_T ones[2] = {1.0, 1.0};
   luSolve(singular, 2, ones, x, pivots);
-  EXPECT_EQ(pivots[0], 0);      // no swap over a zero column
-  EXPECT_EQ(x[0], INFINITY);    // no test for singularity
+  EXPECT_EQ(pivots[0], 0);    // no swap over a zero column
+  EXPECT_EQ(x[0], INFINITY);  // no test for singularity
 }
 
 // The Jacobian forms the columns of never-read block entries without the
@@ -147,18 +116,14 @@ void expectLiteralJacobian(const real_T* blockIn, int32_T f, const HeldMask<7>& 
   }
 }
 
+// Plain; a -0.0 midpoint, which every trial turns into +0.0, so that x / Cm
+// changes sign at x = 0; a zero entry past the first column and a NaN.
 TEST(Jacobian, UnreadEntriesMatchALiteralEvaluation) {
   const real_T held[4] = {-0.3, 2.0, 0.15, kFixedRT};
-  const auto mask = heldMask("0001111");
-  const real_T plain[9] = {5000.0, 2.5, 9.5, 1.0, 1.0, 1.0, 1.0, 1.0, 1.0};
-  expectLiteralJacobian(plain, 3, mask, held);
-  // A -0.0 parameter turns into +0.0 in every trial: here the midpoint, so
-  // x / Cm changes sign at x = 0.
-  const real_T negativeZero[9] = {5000.0, -0.0, 9.5, 1.0, 1.0, 1.0, 1.0, 1.0, 1.0};
-  expectLiteralJacobian(negativeZero, 3, mask, held);
-  // A zero entry past the first column and a NaN parameter.
-  const real_T odd[9] = {5000.0, 2.5, NAN, 1.0, 0.0, 1.0, 1.0, 1.0, 1.0};
-  expectLiteralJacobian(odd, 3, mask, held);
+  const real_T blocks[3][9] = {{5000.0, 2.5, 9.5, 1.0, 1.0, 1.0, 1.0, 1.0, 1.0},
+                               {5000.0, -0.0, 9.5, 1.0, 1.0, 1.0, 1.0, 1.0, 1.0},
+                               {5000.0, 2.5, NAN, 1.0, 0.0, 1.0, 1.0, 1.0, 1.0}};
+  for (const auto& block : blocks) expectLiteralJacobian(block, 3, heldMask("0001111"), held);
 }
 
 }  // namespace

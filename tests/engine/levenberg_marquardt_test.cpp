@@ -3,97 +3,75 @@
 // free block, the damping schedule, the retry cap).
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <vector>
 
 #include "engine/jacobian.h"
 #include "engine/levenberg_marquardt_impl.h"
 #include "frame/limits.h"
+#include "models/curve_models.h"
+#include "test_support.h"
 
 namespace quent {
 namespace {
 
-std::vector<real_T> grid(int32_T n, real_T low, real_T high) {
-  std::vector<real_T> x(n);
-  for (int32_T i = 0; i < n; ++i) x[i] = low + (high - low) * i / (n - 1);
-  return x;
-}
-
-template <class Model>
-std::vector<real_T> curve(const real_T* params, const std::vector<real_T>& x) {
-  std::vector<real_T> y(x.size());
-  Model::evaluate(params, x.data(), static_cast<int32_T>(x.size()), y.data());
-  return y;
-}
+using test::grid;
 
 // Relative agreement expected of a fit of a noise-free curve: the fit stops on
 // a relative change of 1e-8 in the sum of squares, so parameters agree to a
-// few parts in 1e5 at worst.
+// few parts in 1e5 at worst.  Held entries keep their start exactly.
 constexpr real_T kRecovery = 1e-4;
 
-template <int N>
-void expectRecovered(const real_T (&truth)[N], const real_T* fitted) {
-  for (int i = 0; i < N; ++i)
-    EXPECT_NEAR(fitted[i], truth[i], kRecovery * (std::fabs(truth[i]) + 1.0)) << "entry " << i;
+template <class Model, int N>
+void expectRecovered(const real_T (&truth)[N], const real_T (&start)[N], int32_T n, real_T high,
+                     const HeldMask<N>& mask) {
+  const auto x = grid(n, 0.0, high);
+  std::vector<real_T> y(n);
+  Model::evaluate(truth, x.data(), n, y.data());
+  real_T fit[N];
+  heldFit<Model>(x.data(), y.data(), n, start, mask, fit);
+  for (int i = 0; i < N; ++i) {
+    EXPECT_NEAR(fit[i], truth[i], kRecovery * (std::fabs(truth[i]) + 1.0)) << "entry " << i;
+    if (mask.held[i]) EXPECT_EQ(fit[i], start[i]) << "entry " << i;
+  }
 }
 
-TEST(HeldFit, RecoversOneTransitionCurve) {
-  const real_T truth[7] = {5200.0, 2.6, 10.0, -0.3, 2.0, 0.15, kFixedRT};
-  const auto x = grid(96, 0.0, 6.0);
-  const auto y = curve<OneTransitionModel>(truth, x);
-  real_T fit[7] = {6000.0, 3.0, 9.5, -0.2, 2.3, 0.1, kFixedRT};
-  heldFit<OneTransitionModel>(x.data(), y.data(), 96, fit, heldMask("0000001"), fit);
-  expectRecovered(truth, fit);
-  EXPECT_EQ(fit[6], kFixedRT);
+TEST(HeldFit, RecoversNoiseFreeCurvesOfEachModel) {
+  expectRecovered<OneTransitionModel>({5200.0, 2.6, 10.0, -0.3, 2.0, 0.15, kFixedRT},
+                                      {6000.0, 3.0, 9.5, -0.2, 2.3, 0.1, kFixedRT}, 96, 6.0,
+                                      heldMask("0000001"));
+  expectRecovered<TwoTransitionModel>({4000.0, 2.0, 9000.0, 5.0, 0.4, 10.0, -0.2, 2.0, 0.1, kFixedRT},
+                                      {4300.0, 2.1, 8700.0, 4.9, 0.45, 10.0, -0.2, 2.0, 0.1, kFixedRT},
+                                      120, 8.0, heldMask("0000011111"));
+  expectRecovered<ThreeTransitionModel>(
+      {4000.0, 1.5, 8000.0, 3.5, 12000.0, 6.0, 0.3, 0.4, 10.0, -0.2, 2.0, 0.1, kFixedRT},
+      {4100.0, 1.55, 7900.0, 3.45, 12100.0, 6.05, 0.3, 0.4, 10.0, -0.2, 2.0, 0.1, kFixedRT}, 120, 8.0,
+      heldMask("0000001111111"));
+  expectRecovered<TwoPeakModel>({2.0, 2.0, 0.5, 1.0, 5.0, 0.8}, {1.8, 2.1, 0.6, 1.1, 4.9, 0.7}, 80, 8.0,
+                                heldMask("000000"));
 }
 
-TEST(HeldFit, RecoversTwoAndThreeTransitionCurves) {
-  const real_T truth2[10] = {4000.0, 2.0, 9000.0, 5.0, 0.4, 10.0, -0.2, 2.0, 0.1, kFixedRT};
-  const auto x = grid(120, 0.0, 8.0);
-  const auto y2 = curve<TwoTransitionModel>(truth2, x);
-  real_T fit2[10] = {4300.0, 2.1, 8700.0, 4.9, 0.45, 10.0, -0.2, 2.0, 0.1, kFixedRT};
-  heldFit<TwoTransitionModel>(x.data(), y2.data(), 120, fit2, heldMask("0000011111"), fit2);
-  expectRecovered(truth2, fit2);
-
-  const real_T truth3[13] = {4000.0, 1.5, 8000.0, 3.5, 12000.0, 6.0, 0.3,
-                             0.4,    10.0, -0.2,  2.0,    0.1, kFixedRT};
-  const auto y3 = curve<ThreeTransitionModel>(truth3, x);
-  real_T fit3[13] = {4100.0, 1.55, 7900.0, 3.45, 12100.0, 6.05, 0.3,
-                     0.4,    10.0, -0.2,   2.0,    0.1,     kFixedRT};
-  heldFit<ThreeTransitionModel>(x.data(), y3.data(), 120, fit3, heldMask("0000001111111"), fit3);
-  expectRecovered(truth3, fit3);
-}
-
-TEST(HeldFit, RecoversGaussianPeaks) {
-  const real_T truth[6] = {2.0, 2.0, 0.5, 1.0, 5.0, 0.8};
-  const auto x = grid(80, 0.0, 8.0);
-  const auto y = curve<TwoPeakModel>(truth, x);
-  real_T fit[6] = {1.8, 2.1, 0.6, 1.1, 4.9, 0.7};
-  heldFit<TwoPeakModel>(x.data(), y.data(), 80, fit, heldMask("000000"), fit);
-  expectRecovered(truth, fit);
-}
-
+// A NaN in the response, or a midpoint of 0 that makes the model 0 / 0 at
+// x = 0 (NaN at the first point only), returns the start untouched.
 TEST(HeldFit, NaNInResponseOrFirstModelValueReturnsTheStart) {
   const real_T truth[7] = {5200.0, 2.6, 10.0, -0.3, 2.0, 0.15, kFixedRT};
+  const real_T starts[2][7] = {{6000.0, 3.0, 9.5, -0.2, 2.3, 0.1, kFixedRT},
+                               {6000.0, 0.0, 9.5, -0.2, 2.3, 0.1, kFixedRT}};
   const auto x = grid(40, 0.0, 6.0);
-  auto y = curve<OneTransitionModel>(truth, x);
-  const real_T start[7] = {6000.0, 3.0, 9.5, -0.2, 2.3, 0.1, kFixedRT};
-  real_T fit[7];
-  y[17] = NAN;
-  heldFit<OneTransitionModel>(x.data(), y.data(), 40, start, heldMask("0000001"), fit);
-  for (int i = 0; i < 7; ++i) EXPECT_EQ(fit[i], start[i]);
-
-  // Cm = 0 makes the model 0 / 0 at x = 0: NaN at the first point only.
-  y = curve<OneTransitionModel>(truth, x);
-  const real_T zeroMidpoint[7] = {6000.0, 0.0, 9.5, -0.2, 2.3, 0.1, kFixedRT};
-  heldFit<OneTransitionModel>(x.data(), y.data(), 40, zeroMidpoint, heldMask("0000001"), fit);
-  for (int i = 0; i < 7; ++i) EXPECT_EQ(fit[i], zeroMidpoint[i]);
+  for (int k = 0; k < 2; ++k) {
+    auto y = test::evaluated(curveModel1, truth, x);
+    if (k == 0) y[17] = NAN;
+    real_T fit[7];
+    heldFit<OneTransitionModel>(x.data(), y.data(), 40, starts[k], heldMask("0000001"), fit);
+    EXPECT_TRUE(std::equal(fit, fit + 7, starts[k])) << k;
+  }
 }
 
 TEST(LmFit, EntriesPastTheFirstColumnOfTheBlockStayOne) {
   const real_T truth[7] = {5200.0, 2.6, 10.0, -0.3, 2.0, 0.15, kFixedRT};
   const auto x = grid(50, 0.0, 6.0);
-  const auto y = curve<OneTransitionModel>(truth, x);
+  const auto y = test::evaluated(curveModel1, truth, x);
   // dG, Cm, nativeIntercept free: a 3-by-3 block of which 6 entries never move.
   const auto mask = heldMask("0001111");
   const real_T held[4] = {-0.3, 2.0, 0.15, kFixedRT};
@@ -149,43 +127,34 @@ struct SquareModel {
   }
 };
 
-struct JacobianProbe {
-  real_T J[9 * 2], trialBlock[9], trialValues[2], fullVector[3], fitted[2];
-  bool nanMask[2] = {false, false};
-  real_T held[3] = {5.0, 5.0, 5.0};
-  HeldMask<3> mask;
-
-  JacobianProbe(const HeldMask<3>& m, const real_T* block, int32_T f) : mask(m) {
-    const FitBinding<SquareModel> binding{&mask, held, nullptr, 2};
-    bindParameters(fullVector, binding, block, f * f, fitted);
-    lmJacobian(block, f, fullVector, binding, fitted, nanMask, 0, J, trialBlock, trialValues);
-  }
-};
+// Jacobian of SquareModel over a block, the entries it leaves held at 5.
+void jacobianOf(const HeldMask<3>& mask, const real_T* block, int32_T f, real_T* J) {
+  real_T trialBlock[4], trialValues[2], fullVector[3], fitted[2], held[3] = {5.0, 5.0, 5.0};
+  const bool nanMask[2] = {};
+  const FitBinding<SquareModel> binding{&mask, held, nullptr, 2};
+  bindParameters(fullVector, binding, block, f * f, fitted);
+  lmJacobian(block, f, fullVector, binding, fitted, nanMask, 0, J, trialBlock, trialValues);
+}
 
 TEST(Jacobian, IncrementsScaleWithTheEntryOrTheBlockNorm) {
-  {  // a negative entry steps downwards: -2 * factor
-    const real_T block[1] = {-2.0};
-    JacobianProbe probe(heldMask("011"), block, 1);
-    const real_T h = -2.0 * kDifferenceFactor;
-    EXPECT_EQ(probe.J[0], ((-2.0 + h) * (-2.0 + h) + 25.0 - (4.0 + 25.0)) / h);
-  }
-  {  // an all-zero block: (0 + 1) * factor
-    const real_T block[1] = {0.0};
-    JacobianProbe probe(heldMask("011"), block, 1);
-    const real_T h = kDifferenceFactor;
-    EXPECT_EQ(probe.J[0], (h * h + 25.0 - 25.0) / h);
-  }
-  {  // a zero entry in a 2-by-2 block (0, 3, 1, 1): sqrt of its largest
-     // singular value times the factor
-    const real_T block[4] = {0.0, 3.0, 1.0, 1.0};
-    JacobianProbe probe(heldMask("001"), block, 2);
-    const real_T h = std::sqrt(matrixNorm(block, 2, 2)) * kDifferenceFactor;
-    EXPECT_EQ(probe.J[0], (h * h + 9.0 - 9.0) / h);
-    EXPECT_NE(h, std::sqrt(std::sqrt(11.0)) * kDifferenceFactor);  // not a Frobenius norm
-    // The never-read entries have zero columns.
-    EXPECT_EQ(probe.J[2 * 2], 0.0);
-    EXPECT_EQ(probe.J[3 * 2 + 1], 0.0);
-  }
+  real_T J[8];
+  const real_T minusTwo = -2.0, zero = 0.0, block[4] = {0.0, 3.0, 1.0, 1.0};
+  // A negative entry steps downwards: -2 * factor.
+  jacobianOf(heldMask("011"), &minusTwo, 1, J);
+  real_T h = -2.0 * kDifferenceFactor;
+  EXPECT_EQ(J[0], ((-2.0 + h) * (-2.0 + h) + 25.0 - (4.0 + 25.0)) / h);
+  // An all-zero block: (0 + 1) * factor.
+  jacobianOf(heldMask("011"), &zero, 1, J);
+  h = kDifferenceFactor;
+  EXPECT_EQ(J[0], (h * h + 25.0 - 25.0) / h);
+  // A zero entry of a 2-by-2 block: the square root of the block's largest
+  // singular value (not a Frobenius norm) times the factor.  The never-read
+  // entries have zero columns.
+  jacobianOf(heldMask("001"), block, 2, J);
+  h = std::sqrt(matrixNorm(block, 2, 2)) * kDifferenceFactor;
+  EXPECT_EQ(J[0], (h * h + 9.0 - 9.0) / h);
+  EXPECT_NE(h, std::sqrt(std::sqrt(11.0)) * kDifferenceFactor);
+  EXPECT_TRUE(J[2 * 2] == 0.0 && J[3 * 2 + 1] == 0.0);
 }
 
 }  // namespace
