@@ -1,9 +1,10 @@
-// Small helpers for the tests: owned records, bit-exact comparison, and the
-// even grids every synthetic curve is drawn on.
+// What every test program includes: GoogleTest, owned records, bit-exact
+// comparison, and the even grids every synthetic curve is drawn on.
 #pragma once
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstring>

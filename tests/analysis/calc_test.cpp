@@ -1,10 +1,5 @@
 // Reduction of fit rows to per-concentration energies and one trend line,
 // through the exported entry with rows built by hand.
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <vector>
-
 #include "models/r_squared.h"
 #include "numerics/line_fit.h"
 #include "numerics/order_statistics.h"
@@ -89,9 +84,11 @@ TEST(Calc, TrendIsTheLineThroughTheGroupMeans) {
 
 TEST(Calc, LineIsATrendOnlyWhenItBeatsTheNoise) {
   const struct { std::vector<Curve> curves; bool trend; } cases[] = {
-      {{{1, 1, 600, {5000}, {0}}, {10, 1, 600, {4701}, {0}}}, false},  // 299, no errors: floor 300
-      {{{1, 1, 600, {5000}, {1}}, {10, 1, 600, {4701}, {1}}}, false},
-      {{{1, 1, 600, {5000}, {0}}, {10, 1, 600, {4600}, {0}}}, true},
+      // Spans 299.5 and 300.5 around the floor of 300: with no errors, and
+      // with errors that add up to less.
+      {{{1, 1, 600, {5000}, {0}}, {10, 1, 600, {4700.5}, {0}}}, false},
+      {{{1, 1, 600, {5000}, {1}}, {10, 1, 600, {4700.5}, {1}}}, false},
+      {{{1, 1, 600, {5000}, {0}}, {10, 1, 600, {4699.5}, {0}}}, true},
       {{{1, 1, 600, {5000}, {150}}, {10, 1, 600, {4600}, {150}}}, true},
       {{{1, 1, 600, {5000}, {150}}, {10, 1, 600, {4600}, {260}}}, false},
       // The first curve's group spread (283) stands in for its error of 1.

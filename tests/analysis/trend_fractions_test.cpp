@@ -1,8 +1,4 @@
 // Normalization, the concentration grid and the drawn trend and fractions.
-#include <gtest/gtest.h>
-
-#include <cmath>
-
 #include "analysis/linear_grid.h"
 #include "quent_dgtrend.h"
 #include "test_support.h"

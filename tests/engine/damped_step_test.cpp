@@ -1,12 +1,7 @@
 // The damped step and the solves behind it, and the Jacobian's shortcut for
 // the block entries the model never reads, checked against a literal
 // evaluation of every column.
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
 #include <random>
-#include <vector>
 
 #include "engine/damped_step.h"
 #include "engine/jacobian.h"

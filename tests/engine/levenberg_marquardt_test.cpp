@@ -1,12 +1,6 @@
 // The Levenberg-Marquardt engine: fits of noise-free curves from nearby
 // starts, and the behaviours that shape its numbers (NaN exits, the square
 // free block, the damping schedule, the retry cap).
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <vector>
-
 #include "engine/jacobian.h"
 #include "engine/levenberg_marquardt_impl.h"
 #include "frame/limits.h"

@@ -1,10 +1,5 @@
 // The array record: growth rule, host wrappers that must stay in place until
 // they have to grow, and the scalar routines of index arithmetic.
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <vector>
-
 #include "frame/array.h"
 #include "frame/scalar.h"
 #include "quent_dgtrend.h"

@@ -1,11 +1,7 @@
-#include <algorithm>
-#include <cmath>
-
-#include <gtest/gtest.h>
-
 #include "frame/fit_row.h"
 #include "models/fraction_error.h"
 #include "models/r_squared.h"
+#include "test_support.h"
 
 namespace quent {
 namespace {

@@ -1,11 +1,6 @@
 // Known answers of the forward models.  Expected values were computed in
 // double arithmetic with the fixed order of operations (x / C first, then
 // 1 - x / C); several differ in the last bit from the form (C - x) / C.
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <vector>
-
 #include "frame/limits.h"
 #include "models/curve_models.h"
 #include "test_support.h"

@@ -1,8 +1,4 @@
 // Midpoint estimates from the slope of a curve.
-#include <gtest/gtest.h>
-
-#include <vector>
-
 #include "frame/limits.h"
 #include "models/curve_models.h"
 #include "models/derivative_peaks.h"

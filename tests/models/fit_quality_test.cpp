@@ -1,13 +1,9 @@
-#include <algorithm>
-#include <cmath>
-
-#include <gtest/gtest.h>
-
 #include "frame/row_layout.h"
 #include "models/end_agreement.h"
 #include "models/fraction_error.h"
 #include "models/r_squared.h"
 #include "models/student_t95.h"
+#include "test_support.h"
 
 namespace quent {
 namespace {

@@ -1,10 +1,7 @@
-#include <algorithm>
-#include <cmath>
 #include <tuple>
 
-#include <gtest/gtest.h>
-
 #include "models/plausibility.h"
+#include "test_support.h"
 
 namespace quent {
 namespace {

@@ -1,8 +1,4 @@
-#include <gtest/gtest.h>
-
-#include <cmath>
 #include <random>
-#include <vector>
 
 #include "numerics/line_fit.h"
 #include "numerics/literal_qr.h"

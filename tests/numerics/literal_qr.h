@@ -4,11 +4,10 @@
 // with it bit for bit.
 #pragma once
 
-#include <cmath>
 #include <utility>
-#include <vector>
 
 #include "numerics/pivoted_qr.h"
+#include "test_support.h"
 
 namespace quent::test {
 

@@ -1,10 +1,7 @@
-#include "numerics/singular_values.h"
-
-#include <gtest/gtest.h>
-
-#include <cmath>
 #include <string>
-#include <vector>
+
+#include "numerics/singular_values.h"
+#include "test_support.h"
 
 namespace quent::test {
 namespace {

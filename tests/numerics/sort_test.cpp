@@ -1,13 +1,7 @@
-#include "numerics/sort.h"
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
 #include <random>
-#include <vector>
 
 #include "numerics/order_statistics.h"
+#include "numerics/sort.h"
 #include "test_support.h"
 
 namespace quent::test {

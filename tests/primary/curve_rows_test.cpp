@@ -1,11 +1,7 @@
 // A curve's row and mask under a reference row (mask building and the final
 // fit, for every transition count), the trend of the free energies, and the
 // acceptance gates.
-#include <cmath>
 #include <tuple>
-#include <vector>
-
-#include <gtest/gtest.h>
 
 #include "curves.h"
 #include "frame/fit_row.h"
@@ -13,6 +9,7 @@
 #include "primary/curve_point_mask.h"
 #include "primary/final_curve_fit.h"
 #include "primary/free_energy_trend.h"
+#include "test_support.h"
 
 namespace quent {
 namespace {

@@ -1,15 +1,11 @@
 // Concentration groups, the usable-curve test and the group scans that find
 // the reference row.
-#include <cmath>
-#include <vector>
-
-#include <gtest/gtest.h>
-
 #include "models/curve_models.h"
 #include "primary/curve_usable.h"
 #include "primary/fit_with_mask_revision.h"
 #include "primary/group_scan.h"
 #include "strategies/one_transition_strategy.h"
+#include "test_support.h"
 
 namespace quent {
 namespace {

@@ -5,10 +5,6 @@
 // the strategies' slope estimates, held in every refit, a few percent of dG.)
 #pragma once
 
-#include <cmath>
-#include <cstring>
-#include <vector>
-
 #include "frame/limits.h"
 #include "models/curve_models.h"
 #include "quent_dgtrend.h"
@@ -31,9 +27,8 @@ struct Plate {
       for (int r = 0; r < replicates; ++r) {
         const int32_T curve = static_cast<int32_T>(conc.size());
         const real_T p[7] = {dG(c), dG(c) / kM, 100.0, 0.0, 42.0, 0.0, rtFromCelsius(25.0)};
-        std::vector<real_T> x(n), y(n);
-        for (int32_T i = 0; i < n; ++i) x[i] = 8.0 * i / (n - 1);
-        curveModel<1>(p, x.data(), n, y.data());
+        const std::vector<real_T> x = grid(n, 0.0, 8.0);
+        std::vector<real_T> y = evaluated(curveModel1, p, x);
         for (int32_T i = 0; i < n; ++i) y[i] += ripple * std::sin(1.7 * i + 2.9 * curve);
         for (const Spike& s : spikes)
           if (s.curve == curve) y[s.point] += s.size;

@@ -1,13 +1,10 @@
 // The primary fit through its export: refusals and failures of the whole
 // call, the stride rule, the families a state count selects, and a synthetic
 // plate whose generating energies and midpoints come back.
-#include <cmath>
 #include <thread>
-#include <vector>
-
-#include <gtest/gtest.h>
 
 #include "plate.h"
+#include "test_support.h"
 
 namespace quent {
 namespace {

@@ -1,12 +1,8 @@
-#include <cmath>
-#include <vector>
-
-#include <gtest/gtest.h>
-
 #include "curves.h"
 #include "frame/fit_row.h"
 #include "primary/finish_row.h"
 #include "primary/refit_from_row.h"
+#include "test_support.h"
 
 namespace quent {
 namespace {

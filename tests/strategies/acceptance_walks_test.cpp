@@ -1,12 +1,9 @@
 // The walks and ladders that pick an attempt, as functions of score and flag
 // tables, with the exit codes of the one-transition family: every ladder
 // exit, the margins and tie rules, and the slot/place pairing of held tables.
-#include <gtest/gtest.h>
-
-#include <cmath>
-
 #include "strategies/acceptance_walks.h"
 #include "strategies/one_transition_family.h"
+#include "test_support.h"
 
 namespace quent {
 namespace {
