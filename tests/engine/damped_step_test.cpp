@@ -15,20 +15,16 @@ namespace {
 
 using test::sameBits;
 
+// Working storage of a step with 3 residuals and 2 unknowns.
 struct StepBuffers {
-  std::vector<real_T> jplus, rplus, tau, rhs, step;
-  std::vector<int32_T> jpvt;
-  StepWork work;
-  StepBuffers(int32_T rows, int32_T cols)
-      : jplus((rows + cols) * cols), rplus(rows + cols), tau(cols), rhs(rows + cols), step(cols),
-        jpvt(cols) {
-    work = {jplus.data(), rplus.data(), {tau.data(), jpvt.data(), rhs.data()}};
-  }
+  real_T jplus[10], rplus[5], tau[2], rhs[5], step[2];
+  int32_T jpvt[2];
+  StepWork work{jplus, rplus, {tau, jpvt, rhs}};
 };
 
-// 3 residuals, 2 unknowns.  A NaN anywhere gives a zero step.  +inf passes
-// the guard: its column's scale is +inf too and the sum stays +inf; -inf
-// meets that +inf scale below it, the sum is NaN and no step is taken.
+// A NaN anywhere gives a zero step.  +inf passes the guard: its column's
+// scale is +inf too and the sum stays +inf; -inf meets that +inf scale below
+// it, the sum is NaN and no step is taken.
 TEST(DampedStep, NonFiniteEntriesAndAZeroColumn) {
   const struct { const char* what; real_T J[6], r[3]; bool zero; } cases[] = {
       {"finite", {1, 2, 3, 0.5, -1, 2}, {1, -1, 0.5}, false},
@@ -36,15 +32,15 @@ TEST(DampedStep, NonFiniteEntriesAndAZeroColumn) {
       {"NaN in r", {1, 2, 3, 0.5, -1, 2}, {1, NAN, 0.5}, true},
       {"+inf", {1, INFINITY, 3, 0.5, -1, 2}, {1, -1, 0.5}, false},
       {"-inf", {1, -INFINITY, 3, 0.5, -1, 2}, {1, -1, 0.5}, true}};
-  StepBuffers b(3, 2);
+  StepBuffers b;
   for (const auto& c : cases) {
-    lmStep(c.J, 3, 2, c.r, 0.01, b.step.data(), b.work);
+    lmStep(c.J, 3, 2, c.r, 0.01, b.step, b.work);
     EXPECT_EQ(b.step[0] == 0.0 && b.step[1] == 0.0, c.zero) << c.what;
   }
   // A zero column gets a zero scale and a +0.0 step; the other solves
   // (J'J + 0.01 J'J) s = J'r.
   const real_T J[6] = {1.0, 2.0, 3.0, 0.0, 0.0, 0.0}, r[3] = {1.0, 2.0, 3.0};
-  lmStep(J, 3, 2, r, 0.01, b.step.data(), b.work);
+  lmStep(J, 3, 2, r, 0.01, b.step, b.work);
   EXPECT_TRUE(sameBits(b.step[1], 0.0));
   EXPECT_NEAR(b.step[0], 14.0 / (14.0 * 1.01), 1e-12);
 }

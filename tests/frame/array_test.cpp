@@ -80,8 +80,7 @@ TEST(ArrayRecord, FreeIsHarmlessOnNullAndTwice) {
   arrayPairInit(pair);
   EXPECT_EQ(pair[1]->numDimensions, 2);
   arrayPairFree(pair);
-  EXPECT_EQ(pair[0], nullptr);
-  EXPECT_EQ(pair[1], nullptr);
+  EXPECT_TRUE(pair[0] == nullptr && pair[1] == nullptr);
 }
 
 // Bit for bit: small negatives round to -0.0.  The largest double below 0.5
@@ -94,14 +93,10 @@ TEST(RoundHalfAway, HalvesGoAwayFromZero) {
 }
 
 TEST(SaturatingInt32, TruncatesAndClips) {
-  EXPECT_EQ(saturatingInt32(3.9), 3);
-  EXPECT_EQ(saturatingInt32(-3.9), -3);
-  EXPECT_EQ(saturatingInt32(2147483647.5), 2147483647);
-  EXPECT_EQ(saturatingInt32(2147483648.0), 2147483647);
-  EXPECT_EQ(saturatingInt32(-2147483648.0), -2147483647 - 1);
-  EXPECT_EQ(saturatingInt32(-2147483649.0), -2147483647 - 1);
-  EXPECT_EQ(saturatingInt32(INFINITY), 2147483647);
-  EXPECT_EQ(saturatingInt32(roundHalfAway(NAN)), 0);
+  const double cases[][2] = {{3.9, 3}, {-3.9, -3}, {2147483647.5, 2147483647}, {2147483648.0, 2147483647},
+                             {-2147483648.0, -2147483648.0}, {-2147483649.0, -2147483648.0},
+                             {INFINITY, 2147483647}, {roundHalfAway(NAN), 0}};
+  for (const auto& c : cases) EXPECT_EQ(saturatingInt32(c[0]), c[1]) << c[0];
   EXPECT_EQ(saturatingMul(65536, 65536), 2147483647);
   EXPECT_EQ(saturatingAdd(-2147483647, -5), -2147483647 - 1);
 }

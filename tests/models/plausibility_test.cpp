@@ -1,4 +1,6 @@
-#include <tuple>
+// Whether a fitted vector is plausible, and the canonical order of its
+// transitions by midpoint.
+#include <utility>
 
 #include "models/plausibility.h"
 #include "test_support.h"
@@ -16,19 +18,19 @@ real_T judge(int T, int t, real_T dG, real_T Cm, real_T amp1 = 0.3, real_T amp2 
   return T == 1 ? plausible1(p, kX, n) : T == 2 ? plausible2(p, kX, n) : plausible3(p, kX, n);
 }
 
-class TransitionBounds : public testing::TestWithParam<std::tuple<int, int>> {};
-TEST_P(TransitionBounds, InclusiveAndNaNFails) {
-  const auto [T, t] = GetParam();
+// Every transition of every family: m from 100 to 15000 and Cm up to xLast,
+// inclusive; NaN fails; no curve judges nothing.
+TEST(Plausible, TransitionBounds) {
   const real_T cases[][3] = {  // dG, Cm, expected
-      {200, 2, 1}, {199.99, 2, 0}, {30000, 2, 1}, {30000.01, 2, 0},  // m from 100 to 15000
-      {4000, 4, 1}, {4000, std::nextafter(4.0, 5.0), 0},             // Cm up to xLast
+      {200, 2, 1}, {199.99, 2, 0}, {30000, 2, 1}, {30000.01, 2, 0},
+      {4000, 4, 1}, {4000, std::nextafter(4.0, 5.0), 0},
       {500, 0, 0}, {-500, 1, 0}, {500, -1, 0}, {NAN, 1, 0}, {500, NAN, 0}, {-1, -1, 0}};
-  for (const auto& c : cases) EXPECT_EQ(judge(T, t, c[0], c[1]), c[2]) << c[0] << " " << c[1];
-  EXPECT_EQ(judge(T, t, 1000.0 * (t + 1), t + 1.0, 0.3, 0.3, 0), 0.0);  // no curve
+  for (const auto& [T, t] : {std::pair{1, 0}, {2, 0}, {2, 1}, {3, 0}, {3, 1}, {3, 2}}) {
+    SCOPED_TRACE(testing::Message() << T << " transitions, transition " << t);
+    for (const auto& c : cases) EXPECT_EQ(judge(T, t, c[0], c[1]), c[2]) << c[0] << " " << c[1];
+    EXPECT_EQ(judge(T, t, 1000.0 * (t + 1), t + 1.0, 0.3, 0.3, 0), 0.0);
+  }
 }
-INSTANTIATE_TEST_SUITE_P(EachTransition, TransitionBounds,
-                         testing::Values(std::tuple{1, 0}, std::tuple{2, 0}, std::tuple{2, 1},
-                                         std::tuple{3, 0}, std::tuple{3, 1}, std::tuple{3, 2}));
 
 TEST(Plausible, AmplitudeShares) {
   const real_T cases[][4] = {  // T, amp1, amp2, expected

@@ -28,9 +28,7 @@ TEST(ConcentrationGroups, Bookkeeping) {
     const int32_T n = static_cast<int32_T>(c.conc.size());
     ConcentrationGroups g;
     sortOutConcentrations(view(c.conc), n, g);
-    ASSERT_EQ(g.groupCount, static_cast<int32_T>(c.unique.size())) << c.conc[0];
-    for (size_t k = 0; k < c.unique.size(); ++k)
-      EXPECT_TRUE(g.uniqueConc[k] == c.unique[k] || std::isnan(c.unique[k])) << k;
+    test::expectList(g.uniqueConc, g.groupCount, c.unique);
     EXPECT_TRUE(g.topConc == c.top && g.topIndex == c.topIndex);
     std::vector<int32_T> order(n);
     curvesByDescendingConcentration(view(c.conc), n, order.data());
@@ -43,9 +41,7 @@ TEST(ConcentrationGroups, Bookkeeping) {
 void transition(int32_T n, real_T Cm, Vec& x, Vec& y, real_T a = 10.0, real_T b = 0.0,
                 real_T x0 = 0.0) {
   const real_T params[7] = {8000.0, Cm, a, b, 80.0, 0.0, rtFromCelsius(25.0)};
-  Vec px(n), py(n);
-  for (int32_T i = 0; i < n; ++i) px[i] = x0 + 6.0 * i / (n - 1);
-  curveModel<1>(params, px.data(), n, py.data());
+  const Vec px = test::grid(n, x0, x0 + 6.0), py = test::evaluated(curveModel1, params, px);
   x.insert(x.end(), px.begin(), px.end()), y.insert(y.end(), py.begin(), py.end());
 }
 

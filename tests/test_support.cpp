@@ -1,2 +1,0 @@
-// Shared by every test program (helpers live in test_support.h).
-#include "test_support.h"
