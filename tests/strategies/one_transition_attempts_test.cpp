@@ -51,53 +51,40 @@ TEST(SegmentBaselines, StraightEndsPlainBentEndsFittedShortCurvesPadded) {
   expectBaselines(four, {0.001, 1.0}, lineFit(four.x.data(), four.y.data(), 4));
 }
 
-struct HeldCase {
-  const char* name;
-  Attempt1 member;
-  real_T midpoint;
-  real_T native[2], unfolded[2];
-  // Expected held entries: NaN where free.
-  real_T Cm, nativeIntercept, nativeSlope, unfoldedIntercept, unfoldedSlope;
-};
-
 constexpr real_T kFree = NAN;
 constexpr real_T kNative[2] = {9.9, -0.04};
 
-class AttemptHolds : public ::testing::TestWithParam<HeldCase> {};
-
-TEST_P(AttemptHolds, HeldEntriesKeepTheirStart) {
-  const HeldCase& c = GetParam();
+// Which entries each member holds, at what start (NaN: free), and RT always.
+// (a, -a) is an absent pair: the native end is then fitted, the unfolded one
+// held.  Flat starts never hold a zero slope or intercept.
+TEST(Attempt1Members, HeldEntriesKeepTheirStart) {
   const Points p = transition();
-  real_T r[7];
-  runAttempt1(c.member, p.x.data(), p.y.data(), p.n(), kFixedRT, c.midpoint, c.native, c.unfolded, r);
-  ASSERT_NE(r[0], -1.0) << attempt1Name(c.member);
-  const real_T held[5] = {c.Cm, c.nativeIntercept, c.nativeSlope, c.unfoldedIntercept, c.unfoldedSlope};
-  for (int k = 0; k < 5; ++k)
-    if (!std::isnan(held[k])) EXPECT_EQ(r[k + 1], held[k]) << "entry " << k + 1;
-  EXPECT_EQ(r[6], kFixedRT);
+  const real_T* x = p.x.data();
+  const real_T* y = p.y.data();
+  const real_T last[2] = {lastIntercept(x, y, 48), lastSlope(x, y, 48)};
+  const BaselinePairs seg = segmentBaselines(x, y, 48);
+  const struct { Attempt1 member; real_T midpoint, native[2], unfolded[2], held[5]; } cases[] = {
+      // member                      midpoint native        unfolded     held: Cm, native pair, unfolded pair
+      {Attempt1::ThreePointFullAt,    3.0, {0, 0},       {0, 0},      {3.0, kFree, kFree, kFree, kFree}},
+      {Attempt1::KeepNative,          3.0, {9.9, -0.04}, {0, 0},      {kFree, 9.9, -0.04, kFree, kFree}},
+      {Attempt1::KeepNative,          3.0, {0.5, -0.5},  {0, 0},      {kFree, kFree, kFree, last[0], last[1]}},
+      {Attempt1::KeepNativeAt,        3.0, {9.9, -0.04}, {0, 0},      {3.0, 9.9, -0.04, kFree, kFree}},
+      {Attempt1::KeepNativeAt,        3.0, {0, 0},       {0, 0},      {3.0, kFree, kFree, last[0], last[1]}},
+      {Attempt1::KeepUnfoldedAt,      3.0, {0, 0},       {2.1, 0.03}, {3.0, kFree, kFree, 2.1, 0.03}},
+      {Attempt1::BothCore,           -1.0, {9.9, 0.0},   {0.0, 0.02}, {kFree, 9.9, 0.001, y[47], 0.02}},
+      {Attempt1::NativeSegmentCore,  -1.0, {9.9, -0.04}, {0, 0},
+       {kFree, 9.9, -0.04, seg.unfoldedIntercept, seg.unfoldedSlope}},
+      {Attempt1::UnfoldedFlatCoreAt,  3.0, {0, 0},       {2.1, 0.03}, {3.0, y[0], 0.001, 2.1, 0.03}}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(testing::Message() << attempt1Name(c.member) << " case " << &c - cases);
+    real_T r[7];
+    runAttempt1(c.member, x, y, 48, kFixedRT, c.midpoint, c.native, c.unfolded, r);
+    ASSERT_NE(r[0], -1.0);
+    for (int k = 0; k < 5; ++k)
+      if (!std::isnan(c.held[k])) EXPECT_EQ(r[k + 1], c.held[k]) << "entry " << k + 1;
+    EXPECT_EQ(r[6], kFixedRT);
+  }
 }
-
-const Points kCurve = transition();
-const real_T kLastSlope = lastSlope(kCurve.x.data(), kCurve.y.data(), 48);
-const real_T kLastIntercept = lastIntercept(kCurve.x.data(), kCurve.y.data(), 48);
-const BaselinePairs kSegment = segmentBaselines(kCurve.x.data(), kCurve.y.data(), 48);
-
-INSTANTIATE_TEST_SUITE_P(
-    Members, AttemptHolds,
-    ::testing::Values(
-        //       name                 member                     midpoint native      unfolded      held: Cm native pair          unfolded pair
-        HeldCase{"fullAtUsable",      Attempt1::ThreePointFullAt,   3.0, {0, 0},      {0, 0},       3.0,   kFree, kFree,        kFree, kFree},
-        HeldCase{"keepNativeGiven",   Attempt1::KeepNative,         3.0, {9.9, -0.04}, {0, 0},      kFree, 9.9, -0.04,          kFree, kFree},
-        // (a, -a) is absent: the native end is fitted, the unfolded one held.
-        HeldCase{"keepNativeAbsent",  Attempt1::KeepNative,         3.0, {0.5, -0.5}, {0, 0},       kFree, kFree, kFree,        kLastIntercept, kLastSlope},
-        HeldCase{"keepNativeAtBoth",  Attempt1::KeepNativeAt,       3.0, {9.9, -0.04}, {0, 0},      3.0,   9.9, -0.04,          kFree, kFree},
-        HeldCase{"keepNativeAtNoPair", Attempt1::KeepNativeAt,      3.0, {0, 0},      {0, 0},       3.0,   kFree, kFree,        kLastIntercept, kLastSlope},
-        HeldCase{"keepUnfoldedAt",    Attempt1::KeepUnfoldedAt,     3.0, {0, 0},      {2.1, 0.03},  3.0,   kFree, kFree,        2.1, 0.03},
-        // Flat starts never hold a zero slope or intercept.
-        HeldCase{"bothCoreZeros",     Attempt1::BothCore,          -1.0, {9.9, 0.0},  {0.0, 0.02},  kFree, 9.9, 0.001,          kCurve.y[47], 0.02},
-        HeldCase{"nativeSegment",     Attempt1::NativeSegmentCore, -1.0, {9.9, -0.04}, {0, 0},      kFree, 9.9, -0.04,          kSegment.unfoldedIntercept, kSegment.unfoldedSlope},
-        HeldCase{"unfoldedFlatAt",    Attempt1::UnfoldedFlatCoreAt, 3.0, {0, 0},      {2.1, 0.03},  3.0,   kCurve.y[0], 0.001,  2.1, 0.03}),
-    [](const auto& info) { return std::string(info.param.name); });
 
 // A midpoint exactly at the last x seeds Cm there but leaves it free.
 TEST(AttemptEndings, MidpointAtTheLastXRefinementAndRefusal) {

@@ -107,40 +107,34 @@ TEST(FitOneTransitionGate, RefusedAndFailedInputs) {
   expectFailedRow(fitMasked(fitOneTransitionTrimBoth, sameEnds(false)), 41.0);
 }
 
-struct PathCase {
-  const char* name;
-  int32_T n;
-  real_T dG, Cm, nativeSlope, unfoldedSlope, noiseShare;
-  unsigned seed;
-  real_T mainCode, trimOneCode, trimBothCode;
-};
-
 // Curves found to take different exits: the stage that accepted each, in the
 // main pass and in the two retries (run here on all points).
-class FitOneTransitionPath : public ::testing::TestWithParam<PathCase> {};
-
-TEST_P(FitOneTransitionPath, TakesItsExit) {
-  const PathCase& p = GetParam();
-  const Curve c = synthetic(p.n, p.dG, p.Cm, p.nativeSlope, p.unfoldedSlope, p.noiseShare, p.seed);
-  expectExit(fit(c), p.mainCode);
-  expectExit(fitMasked(fitOneTransitionTrimOne, c), p.trimOneCode);
-  expectExit(fitMasked(fitOneTransitionTrimBoth, c), p.trimBothCode);
-  EXPECT_EQ(maskOut, std::vector<int32_T>(p.n, 1));
+TEST(FitOneTransitionPath, EachCurveTakesItsExit) {
+  const struct {
+    const char* name;
+    int32_T n;
+    real_T dG, Cm, nativeSlope, unfoldedSlope, noiseShare;
+    unsigned seed;
+    real_T mainCode, trimOneCode, trimBothCode;
+  } cases[] = {
+      // name            n   dG      Cm   slopes      noise   seed main one both
+      {"bothHeld",      48, 2250.0, 1.5, -0.6, -0.3, 0.0,    3,   2,   38,  43},
+      {"nativeHeld",    48, 4500.0, 3.0, -0.6, -0.3, 0.03,   3,   3,   39,  44},
+      {"unfoldedHeld",  48, 4500.0, 3.0,  0.0,  0.0, 0.01,   3,   4,   39,  45},
+      {"pairNative",    48, 7500.0, 5.0, -0.6,  0.3, 0.0,    3,   5,   39,  46},
+      {"pairUnfolded",  48, 4500.0, 3.0, -0.6,  0.3, 0.01,   3,   6,   39,  47},
+      {"firstPass",     48, 9750.0, 6.5, -0.6, -0.3, 0.01,   3,   25,  39,  64},
+      {"noUnfolded",    96, 8000.0, 7.0, -0.1,  0.0, 0.0,    7,   3,   39,  44},
+      {"nothingPassed", 96, 5200.0, 3.6,  0.0,  0.0, 0.1875, 7,   34,  39,  64}};
+  for (const auto& p : cases) {
+    SCOPED_TRACE(p.name);
+    const Curve c = synthetic(p.n, p.dG, p.Cm, p.nativeSlope, p.unfoldedSlope, p.noiseShare, p.seed);
+    expectExit(fit(c), p.mainCode);
+    expectExit(fitMasked(fitOneTransitionTrimOne, c), p.trimOneCode);
+    expectExit(fitMasked(fitOneTransitionTrimBoth, c), p.trimBothCode);
+    EXPECT_EQ(maskOut, std::vector<int32_T>(p.n, 1));
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Exits, FitOneTransitionPath,
-    ::testing::Values(
-        //       name             n   dG      Cm   slopes      noise   seed main one both
-        PathCase{"bothHeld",      48, 2250.0, 1.5, -0.6, -0.3, 0.0,    3,   2,   38,  43},
-        PathCase{"nativeHeld",    48, 4500.0, 3.0, -0.6, -0.3, 0.03,   3,   3,   39,  44},
-        PathCase{"unfoldedHeld",  48, 4500.0, 3.0,  0.0,  0.0, 0.01,   3,   4,   39,  45},
-        PathCase{"pairNative",    48, 7500.0, 5.0, -0.6,  0.3, 0.0,    3,   5,   39,  46},
-        PathCase{"pairUnfolded",  48, 4500.0, 3.0, -0.6,  0.3, 0.01,   3,   6,   39,  47},
-        PathCase{"firstPass",     48, 9750.0, 6.5, -0.6, -0.3, 0.01,   3,   25,  39,  64},
-        PathCase{"noUnfolded",    96, 8000.0, 7.0, -0.1,  0.0, 0.0,    7,   3,   39,  44},
-        PathCase{"nothingPassed", 96, 5200.0, 3.6,  0.0,  0.0, 0.1875, 7,   34,  39,  64}),
-    [](const auto& info) { return std::string(info.param.name); });
 
 // Noise-free flat baselines: the held baselines are means of free fits that
 // each meet the plateaus to rounding, so the transition comes back to within
