@@ -21,4 +21,6 @@ struct Curve {
   }
 };
 
+inline bool sameRow(const real_T* a, const real_T* b) { return std::equal(a, a + kRowColumns, b); }
+
 }  // namespace quent::test

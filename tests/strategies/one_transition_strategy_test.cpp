@@ -58,8 +58,8 @@ void expectExit(const Row& row, real_T code) {
   EXPECT_EQ(row.code(), code);
 }
 void expectFailedRow(const Row& row, real_T code) {
-  const real_T expected[24] = {-1, -1, -1, -1, -1, -1, 0, 0, 0, 0, 0, 0, -1, code, -1};
-  for (int c = 0; c < 24; ++c) EXPECT_EQ(row.v[c], expected[c]) << "column " << c;
+  test::expectList(row.v, 24, {-1, -1, -1, -1, -1, -1, 0, 0, 0, 0, 0, 0, -1, code, -1, 0, 0, 0, 0, 0,
+                               0, 0, 0, 0});
 }
 
 Row fit(const Curve& c, real_T temperature = 25.0) {
@@ -136,12 +136,9 @@ TEST(FitOneTransitionPath, EachCurveTakesItsExit) {
   }
 }
 
-// Noise-free flat baselines: the held baselines are means of free fits that
-// each meet the plateaus to rounding, so the transition comes back to within
-// a few parts in a thousand.  Noise of +-1% of the amplitude (sd 0.6%) over
-// 96 points leaves each plateau mean good to about 0.1% of the amplitude and
-// dG, set by the steepness of a transition a quarter of the curve wide, good
-// to a few percent; a mild slope adds the spread of the averaged baselines.
+// Without noise the held baselines meet the plateaus to rounding: dG and Cm
+// come back to a few parts in a thousand.  Noise of +-1% of the amplitude
+// costs dG a few percent; a mild slope the spread of the averaged baselines.
 TEST(FitOneTransitionRecovery, CleanNoisyAndSlopedCurves) {
   const struct { Curve c; real_T dGShare, CmShare; } cases[] = {
       {synthetic(96, 5200.0, 3.6), 0.005, 0.001},
@@ -167,9 +164,9 @@ TEST(FitOneTransitionMasked, TrimsDropEndPointsAndMeasureOnThePointsKept) {
   both.y[0] += 5.0;
   both.y[95] -= 4.5;
   std::vector<int32_T> expected(96, 1);
+  expected[95] = 0;
   const Row one = fitMasked(fitOneTransitionMasked, last);
   expectExit(one, 38.0);
-  expected[95] = 0;
   EXPECT_EQ(maskOut, expected);
   EXPECT_NEAR(one.v[4], 5200.0, 0.005 * 5200.0);
   EXPECT_EQ(one.v[14], rSquaredOfFit1(last.x.data(), last.y.data(), 95, one.params().data()));
