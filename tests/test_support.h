@@ -1,5 +1,5 @@
-// What every test program includes: GoogleTest, owned records, bit-exact
-// comparison, and the even grids every synthetic curve is drawn on.
+// What every test program includes: GoogleTest, the row layout and models,
+// owned records, bit-exact comparison, and the grids curves are drawn on.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "frame/array.h"
+#include "frame/row_layout.h"  // row columns, limits, curve models
 #include "quent_dgtrend.h"
 
 namespace quent::test {

@@ -3,7 +3,6 @@
 #include "models/r_squared.h"
 #include "numerics/line_fit.h"
 #include "numerics/order_statistics.h"
-#include "quent_dgtrend.h"
 #include "test_support.h"
 
 namespace quent {

@@ -1,6 +1,5 @@
 // Normalization, the concentration grid and the drawn trend and fractions.
 #include "analysis/linear_grid.h"
-#include "quent_dgtrend.h"
 #include "test_support.h"
 
 namespace quent::test {

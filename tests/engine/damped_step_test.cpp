@@ -7,7 +7,6 @@
 #include "engine/jacobian.h"
 #include "engine/left_divide.h"
 #include "engine/model_bindings.h"
-#include "frame/limits.h"
 #include "test_support.h"
 
 namespace quent {

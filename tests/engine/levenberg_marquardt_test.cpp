@@ -3,8 +3,6 @@
 // free block, the damping schedule, the retry cap).
 #include "engine/jacobian.h"
 #include "engine/levenberg_marquardt_impl.h"
-#include "frame/limits.h"
-#include "models/curve_models.h"
 #include "test_support.h"
 
 namespace quent {

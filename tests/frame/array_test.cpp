@@ -1,8 +1,6 @@
 // The array record: growth rule, host wrappers that must stay in place until
 // they have to grow, and the scalar routines of index arithmetic.
-#include "frame/array.h"
 #include "frame/scalar.h"
-#include "quent_dgtrend.h"
 #include "test_support.h"
 
 namespace quent {

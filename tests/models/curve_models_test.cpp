@@ -1,8 +1,6 @@
 // Known answers of the forward models, and the midpoints their slopes give.
 // Expected values were computed in double arithmetic with the fixed order of
 // operations (x / C first, then 1 - x / C).
-#include "frame/limits.h"
-#include "models/curve_models.h"
 #include "models/derivative_peaks.h"
 #include "test_support.h"
 

@@ -1,6 +1,5 @@
 // Scores of a fit: the t quantiles, R squared, the error of the fraction
 // unfolded and the agreement of the fitted ends with the measured plateaus.
-#include "frame/row_layout.h"
 #include "models/end_agreement.h"
 #include "models/fraction_error.h"
 #include "models/r_squared.h"

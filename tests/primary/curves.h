@@ -2,7 +2,6 @@
 // values 2000 to 2700, shares at least 0.3), with their rows.
 #pragma once
 
-#include "frame/row_layout.h"
 #include "test_support.h"
 
 namespace quent::test {

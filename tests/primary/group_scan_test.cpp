@@ -1,6 +1,5 @@
 // Concentration groups, the usable-curve test and the group scans that find
 // the reference row.
-#include "models/curve_models.h"
 #include "primary/curve_usable.h"
 #include "primary/fit_with_mask_revision.h"
 #include "primary/group_scan.h"

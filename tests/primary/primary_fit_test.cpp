@@ -3,8 +3,6 @@
 // plate whose generating energies and midpoints come back.
 #include <thread>
 
-#include "frame/limits.h"
-#include "models/curve_models.h"
 #include "test_support.h"
 
 namespace quent::test {

@@ -1,8 +1,6 @@
 // Start attempts of the one-transition fit: which entries each member holds
 // and at what start, the baselines of the segment form, and the short-curve
 // slopes a segment stretch takes before the first point of a short curve.
-#include "frame/limits.h"
-#include "models/curve_models.h"
 #include "numerics/line_fit.h"
 #include "strategies/one_transition_attempts.h"
 #include "strategies/segment_baselines.h"

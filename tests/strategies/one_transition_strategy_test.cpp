@@ -1,8 +1,6 @@
 // Fits of synthetic one-transition curves through the four entry points: the
 // exit each curve takes, the parameters recovered, and that every path writes
 // all 24 columns of the row.
-#include "frame/limits.h"
-#include "models/curve_models.h"
 #include "models/r_squared.h"
 #include "strategies/one_transition_strategy.h"
 #include "test_support.h"
