@@ -1,3 +1,5 @@
+// Least-squares kernels: vector norms, the pivoted QR (pivot rules, and every
+// bit against its literal form) and the line fits built on it.
 #include <random>
 
 #include "numerics/line_fit.h"
@@ -58,63 +60,54 @@ TEST(PivotedQr, SubnormalColumnGetsTheReflectorOfItsScaledUpCopy) {
 }
 
 // The shortcuts for exact zeros must leave every bit as the literal steps do,
-// whatever the matrix holds.
-
-enum class Shape { Damped, DampedPoisoned, SmallPool };
-
-void expectLiteralQr(Shape shape) {
-  SCOPED_TRACE(static_cast<int>(shape));
-  std::mt19937_64 rng(static_cast<unsigned>(shape) + 11);
-  std::normal_distribution<double> normal;
-  const double pool[] = {0.0, -0.0, 1.0, -1.0, 2.0, 3.0, 0.5, 1e300, 1e-310, NAN, INFINITY, -INFINITY};
-  for (int trial = 0; trial < 300; ++trial) {
-    int m = 1 + rng() % 7, n = 1 + rng() % 7;
-    std::vector<double> a;
-    for (int i = 0; i < m * n; ++i) a.push_back(pool[rng() % (rng() % 3 ? 7 : 12)]);
-    if (shape != Shape::SmallPool) {
-      // Residual rows over a diagonal block; unread parameters give zero
-      // columns (some with negative zeros) and zero diagonal rows.
-      const int f = 1 + rng() % 5, rows = 2 + rng() % 30;
-      n = f * f, m = rows + n;
-      a.assign(static_cast<size_t>(m) * n, 0.0);
-      for (int j = 0; j < n; ++j) {
-        double* col = &a[static_cast<size_t>(j) * m];
-        const bool live = rng() % f == 0, integers = rng() % 2, repeat = j > 0 && rng() % 4 == 0;
-        for (int i = 0; i < rows; ++i)
-          col[i] = !live ? (rng() % 4 ? 0.0 : -0.0)
-                   : repeat ? col[i - m]  // tied norms, lost rank
-                            : integers ? double(rng() % 5) - 2 : normal(rng);
-        if (live) col[rows + j] = std::fabs(normal(rng));
-        if (live && shape == Shape::DampedPoisoned && rng() % 3 == 0) col[rng() % rows] = pool[7 + rng() % 5];
+// whatever the matrix holds: damped least-squares shapes, the same poisoned
+// with huge, tiny and non-finite entries, and small matrices of a pool.
+TEST(PivotedQr, AgreesWithTheLiteralStepsBitForBit) {
+  for (unsigned shape = 0; shape < 3; ++shape) {
+    SCOPED_TRACE(shape);
+    std::mt19937_64 rng(shape + 11);
+    std::normal_distribution<double> normal;
+    const double pool[] = {0.0, -0.0, 1.0, -1.0, 2.0, 3.0, 0.5, 1e300, 1e-310, NAN, INFINITY, -INFINITY};
+    for (int trial = 0; trial < 300; ++trial) {
+      int m = 1 + rng() % 7, n = 1 + rng() % 7;
+      std::vector<double> a;
+      for (int i = 0; i < m * n; ++i) a.push_back(pool[rng() % (rng() % 3 ? 7 : 12)]);
+      if (shape != 2) {
+        // Residual rows over a diagonal block; unread parameters give zero
+        // columns (some with negative zeros) and zero diagonal rows.
+        const int f = 1 + rng() % 5, rows = 2 + rng() % 30;
+        n = f * f, m = rows + n;
+        a.assign(static_cast<size_t>(m) * n, 0.0);
+        for (int j = 0; j < n; ++j) {
+          double* col = &a[static_cast<size_t>(j) * m];
+          const bool live = rng() % f == 0, integers = rng() % 2, repeat = j > 0 && rng() % 4 == 0;
+          for (int i = 0; i < rows; ++i)
+            col[i] = !live ? (rng() % 4 ? 0.0 : -0.0)
+                     : repeat ? col[i - m]  // tied norms, lost rank
+                              : integers ? double(rng() % 5) - 2 : normal(rng);
+          if (live) col[rows + j] = std::fabs(normal(rng));
+          if (live && shape == 1 && rng() % 3 == 0) col[rng() % rows] = pool[7 + rng() % 5];
+        }
       }
+      const int k = std::min(m, n);
+      std::vector<double> literal = a, tauLiteral(k), tau(k);
+      std::vector<int> jpvtLiteral(n), jpvt(n);
+      literalPivotedQr(literal.data(), m, n, tauLiteral.data(), jpvtLiteral.data());
+      pivotedQr(a.data(), m, n, tau.data(), jpvt.data());
+      ASSERT_EQ(jpvt, jpvtLiteral) << "trial " << trial;
+      for (int i = 0; i < k; ++i) ASSERT_TRUE(sameBits(tau[i], tauLiteral[i])) << "trial " << trial;
+      for (size_t i = 0; i < a.size(); ++i) ASSERT_TRUE(sameBits(a[i], literal[i])) << "trial " << trial;
     }
-    const int k = std::min(m, n);
-    std::vector<double> literal = a, tauLiteral(k), tau(k);
-    std::vector<int> jpvtLiteral(n), jpvt(n);
-    literalPivotedQr(literal.data(), m, n, tauLiteral.data(), jpvtLiteral.data());
-    pivotedQr(a.data(), m, n, tau.data(), jpvt.data());
-    ASSERT_EQ(jpvt, jpvtLiteral) << "trial " << trial;
-    for (int i = 0; i < k; ++i) ASSERT_TRUE(sameBits(tau[i], tauLiteral[i])) << "trial " << trial;
-    for (size_t i = 0; i < a.size(); ++i) ASSERT_TRUE(sameBits(a[i], literal[i])) << "trial " << trial;
   }
 }
-
-TEST(PivotedQr, AgreesWithTheLiteralStepsBitForBit) {
-  for (Shape shape : {Shape::Damped, Shape::DampedPoisoned, Shape::SmallPool}) expectLiteralQr(shape);
-}
-
-struct ExactFit {
-  std::vector<double> x, y;
-  double slope, intercept;
-};
 
 // One point reaches only the coefficient of the pivot column: the abscissa's
 // unless |x| < 1, when the column of ones is the larger one.
 TEST(LineFit, GivesExactCoefficientsAndNoUsableLineFromBadPoints) {
-  const ExactFit cases[] = {{{}, {}, 0.0, 0.0},        {{4.0}, {2.0}, 0.5, 0.0},
-                            {{-1.0}, {3.0}, -3.0, 0.0}, {{0.5}, {3.0}, 0.0, 3.0},
-                            {{2.0, 4.0}, {2.0, 2.0}, 0.0, 2.0}};
-  for (const ExactFit& c : cases) {
+  const struct { std::vector<double> x, y; double slope, intercept; } cases[] = {
+      {{}, {}, 0.0, 0.0}, {{4.0}, {2.0}, 0.5, 0.0}, {{-1.0}, {3.0}, -3.0, 0.0}, {{0.5}, {3.0}, 0.0, 3.0},
+      {{2.0, 4.0}, {2.0, 2.0}, 0.0, 2.0}};
+  for (const auto& c : cases) {
     const LineCoefficients got = lineFit(c.x.data(), c.y.data(), int(c.x.size()));
     EXPECT_TRUE(got.slope == c.slope && got.intercept == c.intercept) << c.x.size();
   }

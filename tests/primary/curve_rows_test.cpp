@@ -3,7 +3,6 @@
 // free energies, and the acceptance gates.
 #include <tuple>
 
-#include "curves.h"
 #include "frame/fit_row.h"
 #include "primary/acceptance_gates.h"
 #include "primary/curve_point_mask.h"

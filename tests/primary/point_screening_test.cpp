@@ -1,6 +1,5 @@
 // The spike screen, the revision of a curve's mask by the residuals of its
 // fit, and the fit that alternates the two.
-#include "curves.h"
 #include "primary/fit_with_mask_revision.h"
 #include "primary/revise_mask.h"
 #include "primary/screen_spikes.h"

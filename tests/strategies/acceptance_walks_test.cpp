@@ -55,8 +55,7 @@ TEST(PairLadder, EveryRungAndTableHasItsCode) {
       (unfolded ? s.unfolded : s.native)[slot] = pairThreshold(0, F::kPairRungs[r].margin);
       const PairHit hit = s.ladder();
       ASSERT_EQ(hit.rung, r);
-      EXPECT_EQ(hit.slot, slot);
-      EXPECT_EQ(hit.unfolded, unfolded);
+      EXPECT_TRUE(hit.slot == slot && hit.unfolded == unfolded);
       EXPECT_EQ(F::pairCode(Pass::Main, r, unfolded), 5 + 2 * r + unfolded);
       EXPECT_EQ(F::pairCode(Pass::TrimBoth, r, unfolded), 46 + 2 * r + unfolded);
     }
@@ -70,16 +69,14 @@ TEST(PairLadder, EveryRungAndTableHasItsCode) {
 
 TEST(PairLadder, MarginsAndTheChoiceBetweenTables) {
   Scores s(0.9);
-  s.native[7] = 0.999;  // slot 7 needs 0.9995 at the first step, slot 3 only 0.999
-  s.native[3] = 0.999;
+  s.native[7] = s.native[3] = 0.999;  // slot 7 needs 0.9995 at the first step, slot 3 only 0.999
   EXPECT_EQ(s.ladder().slot, 3);
 
   Scores tie(0.9);
   tie.native[6] = tie.unfolded[6] = 0.9995;
   EXPECT_TRUE(tie.ladder().unfolded);
   Scores nativeFirst(0.9);  // the native table hits, the unfolded one is written
-  nativeFirst.native[6] = 0.9996;
-  nativeFirst.unfolded[6] = 0.9997;
+  nativeFirst.native[6] = 0.9996, nativeFirst.unfolded[6] = 0.9997;
   EXPECT_TRUE(nativeFirst.ladder().unfolded);
   nativeFirst.unfolded[6] = 0.9;
   EXPECT_FALSE(nativeFirst.ladder().unfolded);
