@@ -9,10 +9,8 @@
 #include "engine/model_bindings.h"
 #include "test_support.h"
 
-namespace quent {
+namespace quent::test {
 namespace {
-
-using test::sameBits;
 
 // Working storage of a step with 3 residuals and 2 unknowns.
 struct StepBuffers {
@@ -117,4 +115,4 @@ TEST(Jacobian, UnreadEntriesMatchALiteralEvaluation) {
 }
 
 }  // namespace
-}  // namespace quent
+}  // namespace quent::test

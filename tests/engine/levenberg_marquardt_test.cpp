@@ -5,10 +5,8 @@
 #include "engine/levenberg_marquardt_impl.h"
 #include "test_support.h"
 
-namespace quent {
+namespace quent::test {
 namespace {
-
-using test::grid;
 
 // Relative agreement expected of a fit of a noise-free curve: the fit stops on
 // a relative change of 1e-8 in the sum of squares, so parameters agree to a
@@ -52,7 +50,7 @@ TEST(HeldFit, NaNInResponseOrFirstModelValueReturnsTheStart) {
                                {6000.0, 0.0, 9.5, -0.2, 2.3, 0.1, kFixedRT}};
   const auto x = grid(40, 0.0, 6.0);
   for (int k = 0; k < 2; ++k) {
-    auto y = test::evaluated(curveModel1, truth, x);
+    auto y = evaluated(curveModel1, truth, x);
     if (k == 0) y[17] = NAN;
     real_T fit[7];
     heldFit<OneTransitionModel>(x.data(), y.data(), 40, starts[k], heldMask("0000001"), fit);
@@ -63,7 +61,7 @@ TEST(HeldFit, NaNInResponseOrFirstModelValueReturnsTheStart) {
 TEST(LmFit, EntriesPastTheFirstColumnOfTheBlockStayOne) {
   const real_T truth[7] = {5200.0, 2.6, 10.0, -0.3, 2.0, 0.15, kFixedRT};
   const auto x = grid(50, 0.0, 6.0);
-  const auto y = test::evaluated(curveModel1, truth, x);
+  const auto y = evaluated(curveModel1, truth, x);
   // dG, Cm, nativeIntercept free: a 3-by-3 block of which 6 entries never move.
   const auto mask = heldMask("0001111");
   const real_T held[4] = {-0.3, 2.0, 0.15, kFixedRT};
@@ -147,4 +145,4 @@ TEST(Jacobian, IncrementsScaleWithTheEntryOrTheBlockNorm) {
 }
 
 }  // namespace
-}  // namespace quent
+}  // namespace quent::test

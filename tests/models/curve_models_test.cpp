@@ -4,11 +4,11 @@
 #include "models/derivative_peaks.h"
 #include "test_support.h"
 
-namespace quent {
+namespace quent::test {
 namespace {
 
 constexpr real_T kRT = kFixedRT;
-constexpr test::ModelFunction kModel[3] = {curveModel1, curveModel2, curveModel3};
+constexpr ModelFunction kModel[3] = {curveModel1, curveModel2, curveModel3};
 
 struct Known {
   const char* what;
@@ -33,14 +33,14 @@ TEST(CurveModel, KnownAnswers) {
   for (const Known& c : cases) {
     SCOPED_TRACE(c.what);
     const int T = (static_cast<int>(c.p.size()) - 4) / 3;
-    const auto y = test::evaluated(kModel[T - 1], c.p.data(), c.x);
-    test::expectList(y.data(), y.size(), c.y);
+    const auto y = evaluated(kModel[T - 1], c.p.data(), c.x);
+    expectList(y.data(), y.size(), c.y);
     if (c.fraction.empty()) continue;
     real_T f[kMaxFitPoints];
     const int32_T n = static_cast<int32_T>(c.x.size());
     const int32_T written = T == 1 ? unfoldedFraction1(c.p.data(), c.x.data(), 1, n, f)
                                    : unfoldedFraction3(c.p.data(), c.x.data(), 1, n, f);
-    test::expectList(f, written, c.fraction);
+    expectList(f, written, c.fraction);
   }
 }
 
@@ -51,47 +51,38 @@ TEST(CurveModel, ExtraTransitionsWithZeroWeightVanish) {
   const real_T p2mix[10] = {5000.0, 2.5, 9000.0, 5.0, 0.25, 10.0, -0.2, 2.0, 0.1, kRT};
   const real_T p3[13] = {5000.0, 2.5, 9000.0, 5.0, 3000.0, 1.0, 0.25, 0.75, 10.0, -0.2, 2.0, 0.1, kRT};
   // amp1 = 1: only the first transition; amp1 + amp2 = 1: no third.
-  EXPECT_EQ(test::evaluated(curveModel2, p2, x), test::evaluated(curveModel1, p1, x));
-  EXPECT_EQ(test::evaluated(curveModel3, p3, x), test::evaluated(curveModel2, p2mix, x));
+  EXPECT_EQ(evaluated(curveModel2, p2, x), evaluated(curveModel1, p1, x));
+  EXPECT_EQ(evaluated(curveModel3, p3, x), evaluated(curveModel2, p2mix, x));
 }
 
+// At most 384 points.  Of a 2-by-2 matrix with first row (1, 2) the
+// three-transition form reads that row, the others the first two elements of
+// storage (1, 9).
 TEST(UnfoldedFraction, EvaluatesAtMost384PointsAndReadsStridedX) {
-  std::vector<real_T> x(385);
-  for (int i = 0; i < 385; ++i) x[i] = 0.01 * i;
-  const real_T p1[7] = {5000.0, 2.0, 0, 0, 0, 0, kRT};
-  real_T out[kMaxFitPoints];
-  EXPECT_EQ(unfoldedFraction1(p1, x.data(), 1, 385, out), 384);
-  EXPECT_EQ(unfoldedFraction1(p1, x.data(), 1, 0, out), 0);
-
-  // A 2-by-n matrix: the three-transition form reads its first row, the
-  // others read the first n elements of storage.
+  const std::vector<real_T> x = grid(385, 0.0, 4.0);
+  const real_T p1[7] = {5000.0, 2.0, 0, 0, 0, 0, kRT}, p2[10] = {5000.0, 2.0, 5000.0, 2.0, 0.3, 0, 0, 0, 0, kRT};
   const real_T p3[13] = {5000.0, 2.0, 5000.0, 2.0, 5000.0, 2.0, 0.3, 0.3, 0, 0, 0, 0, kRT};
-  const real_T p2[10] = {5000.0, 2.0, 5000.0, 2.0, 0.3, 0, 0, 0, 0, kRT};
-  const real_T matrix[4] = {1.0, 9.0, 2.0, 9.0};  // first row 1, 2
-  real_T f2[kMaxFitPoints], f3[kMaxFitPoints], f1row[kMaxFitPoints], f1storage[kMaxFitPoints];
-  const real_T row[2] = {1.0, 2.0};
+  real_T f1[kMaxFitPoints], f2[kMaxFitPoints], f3[kMaxFitPoints], f1row[kMaxFitPoints];
+  EXPECT_EQ(unfoldedFraction1(p1, x.data(), 1, 385, f1), 384);
+  EXPECT_EQ(unfoldedFraction1(p1, x.data(), 1, 0, f1), 0);
+  const real_T matrix[4] = {1.0, 9.0, 2.0, 9.0}, row[2] = {1.0, 2.0};
   ASSERT_EQ(unfoldedFraction3(p3, matrix, 2, 2, f3), 2);
   ASSERT_EQ(unfoldedFraction2(p2, matrix, 2, 2, f2), 2);
   unfoldedFraction1(p1, row, 1, 2, f1row);
-  unfoldedFraction1(p1, matrix, 2, 2, f1storage);
-  EXPECT_DOUBLE_EQ(f3[1], f1row[1]);
-  EXPECT_DOUBLE_EQ(f2[1], f1storage[1]);
+  unfoldedFraction1(p1, matrix, 2, 2, f1);
+  EXPECT_DOUBLE_EQ(f3[1], f1row[1]);  // shares of equal transitions sum to a few ulps
+  EXPECT_DOUBLE_EQ(f2[1], f1[1]);
   EXPECT_NE(f3[1], f2[1]);
 }
 
 TEST(GaussianSum, PeaksAddInOrder) {
-  const real_T p[9] = {2.0, 1.5, 0.7, 1.0, 4.0, 1.2, 0.5, 6.0, 0.3};
-  const real_T x = 3.3;
-  real_T y;
+  const real_T p[9] = {2.0, 1.5, 0.7, 1.0, 4.0, 1.2, 0.5, 6.0, 0.3}, x = 3.3, atCentre = 1.5;
+  real_T y, centre;
   gaussianSum3(p, &x, 1, &y);
+  gaussianSum1(p, &atCentre, 1, &centre);
   EXPECT_EQ(y, 0.9168637329709904);
-  const real_T atCentre = 1.5;
-  gaussianSum1(p, &atCentre, 1, &y);
-  EXPECT_EQ(y, 2.0);
+  EXPECT_EQ(centre, 2.0);
 }
-
-using test::grid;
-using test::evaluated;
 
 // The slope peak of a two-state curve sits within a grid step of Cm; two
 // transitions come back ascending.
@@ -124,4 +115,4 @@ TEST(DerivativePeaks, NoEstimateFromAStraightLineOrTooFewPoints) {
 }
 
 }  // namespace
-}  // namespace quent
+}  // namespace quent::test

@@ -8,11 +8,9 @@
 namespace quent::test {
 namespace {
 
-// A plate of one-transition curves on 0..8 M: dG rises with ln(sample
-// concentration) at one common m value, so Cm = dG / m; the signal falls from
-// a flat native baseline at 100 to a flat unfolded one at 42, with a small
-// deterministic ripple and optional spikes.  (Sloped baselines cost the
-// strategies' slope estimates, held in every refit, a few percent of dG.)
+// One-transition curves on 0..8 M from a flat native plateau at 100 to a flat
+// unfolded one at 42 (the refits hold the strategies' slope estimates), with
+// a small ripple and optional spikes; dG rises with ln(c) at one m value.
 struct Plate {
   static constexpr real_T kM = 1900.0;
   struct Spike { int32_T curve, point; real_T size; };
@@ -119,13 +117,10 @@ TEST(PrimaryFit, OneCurveStateCountsAndStride) {
   EXPECT_EQ(primaryFit(48, den.data(), matrix, sig.data(), matrix, conc.data(), concMatrix), plain);
 }
 
-// Three concentrations, three replicates, a ripple of 0.05 on a signal span of
-// 58, and two spikes of 8 in the plateaus: above 0.15 of the signal's spread
-// (about 4.4), below what the spike screen clears there (about 12), so the
-// residual revision finds them.  The ripple moves a midpoint by about 0.01%
-// and the shared m value each energy by about 0.25%; the bounds are a few
-// times that, far below what a wrong group, a kept spike or a wrong trend
-// would cost.
+// Three concentrations of three replicates, two spikes of 8 in the plateaus:
+// above 0.15 of the signal's spread, below what the spike screen clears, so
+// the residual revision finds them.  The bounds are a few times what the
+// ripple costs, far below the cost of a wrong group, spike or trend.
 TEST(PrimaryFit, SyntheticPlate) {
   const Plate p({0.5, 2.0, 8.0}, 3, 48, {{1, 6, 8.0}, {7, 41, -8.0}});
   const FitResult r = primaryFit(p);
@@ -146,11 +141,9 @@ TEST(PrimaryFit, SyntheticPlate) {
   EXPECT_TRUE(a == r && b == r);
 }
 
-// The trend line needs two distinct concentrations.  All equal (at 1, where
-// the logarithm is 0) leave it without a slope, and a concentration of 0 has
-// no logarithm: either way every energy becomes NaN, every row fails at the
-// gates (code 12) and reports all of its points, although the same curves at
-// two concentrations drop their spike.
+// The trend needs two distinct concentrations; all at 1 (ln 0) or at 0 (no
+// logarithm) make every energy NaN: every row fails at the gates (code 12)
+// and reports all its points, though at two concentrations a spike drops.
 TEST(PrimaryFit, AllRowsRejected) {
   Plate p({1.0, 2.0}, 1, 48, {{0, 6, 8.0}});
   ASSERT_EQ(primaryFit(p).mask[6], 0);
