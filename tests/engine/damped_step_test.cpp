@@ -78,40 +78,33 @@ TEST(LuSolve, PartialPivotingAndAZeroPivotPassedOver) {
 }
 
 // The Jacobian forms the columns of never-read block entries without the
-// model; a literal evaluation of every column must give the same bits.
-void expectLiteralJacobian(const real_T* blockIn, int32_T f, const HeldMask<7>& mask,
-                           const real_T* held) {
-  const int32_T n = 12, P = f * f;
-  std::vector<real_T> x(n), fitted(n), trialValues(n), J(n * P), literal(n), trial(P);
-  for (int32_T i = 0; i < n; ++i) x[i] = 0.5 * i;
-  std::vector<real_T> block(blockIn, blockIn + P);
-  bool nanMask[12] = {};
-  real_T fullVector[7];
-  const FitBinding<OneTransitionModel> binding{&mask, held, x.data(), n};
-  bindParameters(fullVector, binding, block.data(), P, fitted.data());
-  lmJacobian(block.data(), f, fullVector, binding, fitted.data(), nanMask, 0, J.data(),
-             trial.data(), trialValues.data());
-  const real_T s = std::sqrt(matrixNorm(block.data(), f, f));
-  for (int32_T k = 0; k < P; ++k) {
-    const real_T h = block[k] != 0.0   ? block[k] * kDifferenceFactor
-                     : s == 0.0 ? (s + 1.0) * kDifferenceFactor
-                                : s * kDifferenceFactor;
-    for (int32_T j = 0; j < P; ++j) trial[j] = block[j] + (j == k ? h : 0.0);
-    bindParameters(fullVector, binding, trial.data(), P, literal.data());
-    for (int32_T i = 0; i < n; ++i)
-      EXPECT_TRUE(sameBits(J[k * n + i], (literal[i] - fitted[i]) / h))
-          << "column " << k << " row " << i;
-  }
-}
-
-// Plain; a -0.0 midpoint, which every trial turns into +0.0, so that x / Cm
-// changes sign at x = 0; a zero entry past the first column and a NaN.
+// model; a literal evaluation of every column must give the same bits.  The
+// blocks: plain; a -0.0 midpoint, which every trial turns into +0.0, so that
+// x / Cm changes sign at x = 0; a zero entry past the first column and a NaN.
 TEST(Jacobian, UnreadEntriesMatchALiteralEvaluation) {
   const real_T held[4] = {-0.3, 2.0, 0.15, kFixedRT};
   const real_T blocks[3][9] = {{5000.0, 2.5, 9.5, 1.0, 1.0, 1.0, 1.0, 1.0, 1.0},
                                {5000.0, -0.0, 9.5, 1.0, 1.0, 1.0, 1.0, 1.0, 1.0},
                                {5000.0, 2.5, NAN, 1.0, 0.0, 1.0, 1.0, 1.0, 1.0}};
-  for (const auto& block : blocks) expectLiteralJacobian(block, 3, heldMask("0001111"), held);
+  const auto mask = heldMask("0001111");
+  const std::vector<real_T> x = grid(12, 0.0, 5.5);
+  const FitBinding<OneTransitionModel> binding{&mask, held, x.data(), 12};
+  for (const auto& block : blocks) {
+    real_T fitted[12], trialValues[12], J[12 * 9], literal[12], trial[9], fullVector[7];
+    const bool nanMask[12] = {};
+    bindParameters(fullVector, binding, block, 9, fitted);
+    lmJacobian(block, 3, fullVector, binding, fitted, nanMask, 0, J, trial, trialValues);
+    const real_T s = std::sqrt(matrixNorm(block, 3, 3));
+    for (int32_T k = 0; k < 9; ++k) {
+      const real_T h = block[k] != 0.0 ? block[k] * kDifferenceFactor
+                       : s == 0.0      ? (s + 1.0) * kDifferenceFactor
+                                       : s * kDifferenceFactor;
+      for (int32_T j = 0; j < 9; ++j) trial[j] = block[j] + (j == k ? h : 0.0);
+      bindParameters(fullVector, binding, trial, 9, literal);
+      for (int32_T i = 0; i < 12; ++i)
+        EXPECT_TRUE(sameBits(J[k * 12 + i], (literal[i] - fitted[i]) / h)) << "column " << k << " row " << i;
+    }
+  }
 }
 
 }  // namespace
