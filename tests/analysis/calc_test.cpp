@@ -52,8 +52,7 @@ struct Calc {
     expectList(conc->data, conc.count(), columns[0], "conc");
     expectList(trend->data, trend.count(), columns[1], "trend");
     expectList(dev->data, dev.count(), columns[2], "deviation");
-    const Reals flags(used->data, used->data + used.count());
-    expectList(flags.data(), flags.size(), columns[3], "used");
+    expectList(Reals(used->data, used->data + used.count()).data(), used.count(), columns[3], "used");
     expectList(summary, 4, sums, "summary");
   }
   void expectEmptyAnswer(const Reals& concs) const {
@@ -140,8 +139,7 @@ TEST(Calc, RefusalsGiveTheEmptyAnswer) {
   const real_T conc[2] = {2, 1}, rows[48] = {};
   const int32_T flags[2] = {1, 1}, size[2] = {1, 2}, noRows[2] = {0, 48}, negative[2] = {1, -48},
                 full[2] = {1, 48};
-  Calc(conc, size, rows, noRows, flags).expectEmptyAnswer({1, 2});
-  Calc(conc, size, rows, negative, flags).expectEmptyAnswer({1, 2});
+  for (const int32_T* rowsSize : {noRows, negative}) Calc(conc, size, rows, rowsSize, flags).expectEmptyAnswer({1, 2});
   Calc(conc, noRows, rows, full, flags).expectEmptyAnswer({});
 }
 
