@@ -41,8 +41,7 @@ struct Calc {
         row[stride * (t == 0 ? 4 : 3 * t + 3)] = curves[i].dG[t];  // columns 4, 6, 9
         row[stride * (15 + t)] = curves[i].err[t];
       }
-      c[stride * i] = curves[i].conc;
-      f[stride * i] = curves[i].flag;
+      c[stride * i] = curves[i].conc, f[stride * i] = curves[i].flag;
     }
     const int32_T cs[2] = {stride, n}, rs[2] = {stride, 24 * n - dropColumns};
     return Calc(c.data(), cs, rows.data(), rs, f.data(), transition);

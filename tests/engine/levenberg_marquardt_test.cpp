@@ -17,8 +17,7 @@ template <class Model, int N>
 void expectRecovered(const real_T (&truth)[N], const real_T (&start)[N], int32_T n, real_T high,
                      const HeldMask<N>& mask) {
   const auto x = grid(n, 0.0, high);
-  std::vector<real_T> y(n);
-  Model::evaluate(truth, x.data(), n, y.data());
+  const auto y = evaluated(Model::evaluate, truth, x);
   real_T fit[N];
   heldFit<Model>(x.data(), y.data(), n, start, mask, fit);
   for (int i = 0; i < N; ++i) {
@@ -63,11 +62,9 @@ TEST(LmFit, EntriesPastTheFirstColumnOfTheBlockStayOne) {
   const auto x = grid(50, 0.0, 6.0);
   const auto y = evaluated(curveModel1, truth, x);
   // dG, Cm, nativeIntercept free: a 3-by-3 block of which 6 entries never move.
-  const auto mask = heldMask("0001111");
   const real_T held[4] = {-0.3, 2.0, 0.15, kFixedRT};
-  real_T block[9] = {6000.0, 3.0, 9.5, 1.0, 1.0, 1.0, 1.0, 1.0, 1.0};
-  real_T fullVector[7];
-  lmFit<OneTransitionModel>(x.data(), y.data(), 50, fullVector, mask, held, block, 3);
+  real_T block[9] = {6000.0, 3.0, 9.5, 1.0, 1.0, 1.0, 1.0, 1.0, 1.0}, fullVector[7];
+  lmFit<OneTransitionModel>(x.data(), y.data(), 50, fullVector, heldMask("0001111"), held, block, 3);
   for (int k = 3; k < 9; ++k) EXPECT_EQ(block[k], 1.0);
   EXPECT_TRUE(std::fabs(block[0] - 5200.0) < 1.0 && std::fabs(block[1] - 2.6) < 1e-3);  // it did fit
 }
@@ -140,7 +137,6 @@ TEST(Jacobian, IncrementsScaleWithTheEntryOrTheBlockNorm) {
   jacobianOf(heldMask("001"), block, 2, J);
   h = std::sqrt(matrixNorm(block, 2, 2)) * kDifferenceFactor;
   EXPECT_EQ(J[0], (h * h + 9.0 - 9.0) / h);
-  EXPECT_NE(h, std::sqrt(std::sqrt(11.0)) * kDifferenceFactor);
   EXPECT_TRUE(J[2 * 2] == 0.0 && J[3 * 2 + 1] == 0.0);
 }
 

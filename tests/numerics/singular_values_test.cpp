@@ -1,3 +1,5 @@
+// Singular values of small matrices against closed forms, and the matrix norm
+// (the largest of them) with its NaN rules.
 #include <string>
 
 #include "numerics/singular_values.h"
@@ -17,26 +19,24 @@ struct Case {
   std::vector<double> a, expected;  // for matrixNorm: one value, NaN where NaN is due
 };
 
-std::vector<Case> normCases() {
+TEST(MatrixNorm, IsTheLargestSingularValueWithTheNaNRules) {
   // 12-by-12 free block, its columns past the first all 1.0: the nonzero
   // singular values are those of [x, sqrt(11) * 1], from the 2-by-2 Gram matrix.
   std::vector<double> block(144, 1.0);
   double xx = 0, sx = 0;
   for (int i = 0; i < 12; ++i) block[i] = 0.5 * i - 2.0, xx += block[i] * block[i], sx += block[i];
   const double tr = xx + 132, det = xx * 132 - 11 * sx * sx;
-  return {{"empty", 0, 3, {}, {0.0}},
-          {"single", 1, 1, {-3.0}, {3.0}},
-          {"vector", 1, 2, {3.0, 4.0}, {5.0}},
-          {"vector with NaN", 3, 1, {1.0, NAN, 2.0}, {NAN}},
-          {"matrix with NaN", 2, 2, {1.0, NAN, 0.0, 2.0}, {0.0}},
-          {"zeros", 2, 2, {0.0, -0.0, 0.0, 0.0}, {0.0}},
-          // not the Frobenius-like sqrt(a^2 + b^2 + 2) = 5.196
-          {"a b 1 1", 2, 2, {3.0, 4.0, 1.0, 1.0}, {std::sqrt((27.0 + std::sqrt(725.0)) / 2)}},
-          {"free block", 12, 12, block, {std::sqrt((tr + std::sqrt(tr * tr - 4 * det)) / 2)}}};
-}
-
-TEST(MatrixNorm, IsTheLargestSingularValueWithTheNaNRules) {
-  for (const Case& c : normCases()) {
+  const Case cases[] = {
+      {"empty", 0, 3, {}, {0.0}},
+      {"single", 1, 1, {-3.0}, {3.0}},
+      {"vector", 1, 2, {3.0, 4.0}, {5.0}},
+      {"vector with NaN", 3, 1, {1.0, NAN, 2.0}, {NAN}},
+      {"matrix with NaN", 2, 2, {1.0, NAN, 0.0, 2.0}, {0.0}},
+      {"zeros", 2, 2, {0.0, -0.0, 0.0, 0.0}, {0.0}},
+      // not the Frobenius-like sqrt(a^2 + b^2 + 2) = 5.196
+      {"a b 1 1", 2, 2, {3.0, 4.0, 1.0, 1.0}, {std::sqrt((27.0 + std::sqrt(725.0)) / 2)}},
+      {"free block", 12, 12, block, {std::sqrt((tr + std::sqrt(tr * tr - 4 * det)) / 2)}}};
+  for (const Case& c : cases) {
     const double got = matrixNorm(c.a.data(), c.m, c.n), want = c.expected[0];
     if (std::isnan(want)) EXPECT_TRUE(std::isnan(got)) << c.name;
     else EXPECT_NEAR(got, want, tolerance(want, std::max(c.m, c.n))) << c.name;

@@ -21,8 +21,7 @@ TEST(ConcentrationGroups, Bookkeeping) {
       {{1, 1, 2, 2, 4}, {1, 2, 4}, 4, 4, {4, 2, 3, 0, 1}},
       {{4, 4, 2, 1}, {0, 1, 2, 4}, 4, 0, {0, 1, 2, 3}},
       {{1, 2, 1, 2}, {1, 2}, 2, 1, {1, 3, 0, 2}},
-      {{3, NAN, 5, 5}, {3, 5, NAN}, 5, 2, {1, 2, 3, 0}},
-  };
+      {{3, NAN, 5, 5}, {3, 5, NAN}, 5, 2, {1, 2, 3, 0}}};
   for (const auto& c : cases) {
     const int32_T n = static_cast<int32_T>(c.conc.size());
     ConcentrationGroups g;
@@ -71,13 +70,12 @@ TEST(CurveUsable, Forms) {
   EXPECT_EQ(curveUsable<1>(x.data(), 40, y.data(), 39), 0.0);
 }
 
-// Curves whose native baseline meets x = 0 below zero (the signal stays
-// positive from x = 2 on): their fits succeed with a negative first baseline
-// value, so a scan moves on to the next lower concentration.  Given low to
-// high it ends on the lowest group, whose fit stands; given high to low, the
-// extra round at concentration 0 finds no curve and leaves a failed row.  A
-// masked scan averages kept points only, fits without mask revision, and
-// leaves the zero row when no group has 8 mean points.
+// Native baselines that meet x = 0 below zero (the signal is positive from
+// x = 2 on) give fits with a negative first baseline value, so a scan moves
+// on to the next lower concentration.  Given low to high it ends on the
+// lowest group, whose fit stands; high to low, the extra round at 0 finds no
+// curve: a failed row.  A masked scan averages kept points only, fits without
+// mask revision, and leaves the zero row when no group has 8 mean points.
 TEST(GroupScan, RoundsAndVariants) {
   const auto scan = [](const Vec& conc, const std::vector<int32_T>* mask, real_T* row) {
     Vec den, sig;

@@ -93,8 +93,7 @@ TEST(PrimaryFitEntry, RefusedAndFailedCalls) {
       {"last curve short (9.5 curves round to 10)", 10, {1, 95}, {1, 95}, {1, 10}, 10, 95},
       {"more elements than int32_T counts", 8, {65536, 65536}, {1, 16}, {1, 2}, 2, 65536},
       {"absurd sizes, capped", 8, {1, 2000000000}, {1, 8}, {1, 1000000}, 9216, 221184},
-      {"no curve at all", 10, {1, 4}, {1, 4}, {1, 0}, 0, 0},
-  };
+      {"no curve at all", 10, {1, 4}, {1, 4}, {1, 0}, 0, 0}};
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
     const real_T* b = buffer.data();

@@ -17,9 +17,7 @@ real_T below(real_T v) { return std::nextafter(v, 0.0); }
 
 struct Scores {
   real_T native[9], unfolded[9];
-  explicit Scores(real_T v) {
-    for (int s = 0; s < 9; ++s) native[s] = unfolded[s] = v;
-  }
+  explicit Scores(real_T v) { std::fill(native, native + 9, v), std::fill(unfolded, unfolded + 9, v); }
   PairHit ladder() const { return pairLadder(F::kPairRungs, 9, native, unfolded); }
 };
 
@@ -33,13 +31,11 @@ TEST(StageWalks, BestStartHeldTableAndBothHeld) {
 
   // Flags go by slot, scores by sorted place, position against position.
   const real_T sorted[9] = {0.999, 0.995, 0.99, 0.9, 0.5, 0.0, 0.0, -1.0, -1.0};
-  const real_T fromSlot2[9] = {0.0, 0.0, 1.0, 1.0, 1.0, 1.0, 1.0, 1.0, 1.0};
-  const real_T fromSlot3[9] = {0.0, 0.0, 0.0, 1.0, 1.0, 1.0, 1.0, 1.0, 1.0};
+  const real_T fromSlot2[9] = {0, 0, 1, 1, 1, 1, 1, 1, 1}, fromSlot3[9] = {0, 0, 0, 1, 1, 1, 1, 1, 1};
   EXPECT_EQ(heldTableWalk(fromSlot2, sorted, 9), 2);
   EXPECT_EQ(heldTableWalk(fromSlot3, sorted, 9), -1);
 
-  const real_T bothGood[2] = {0.995, 0.99};
-  const real_T oneGood[2] = {0.995, below(0.99)};
+  const real_T bothGood[2] = {0.995, 0.99}, oneGood[2] = {0.995, below(0.99)};
   EXPECT_TRUE(bothHeldAccepted(bothGood, 2, F::kBothHeldEvery));
   EXPECT_FALSE(bothHeldAccepted(oneGood, 2, F::kBothHeldEvery));
   EXPECT_TRUE(bothHeldAccepted(oneGood, 2, false));

@@ -57,8 +57,7 @@ constexpr real_T kNative[2] = {9.9, -0.04};
 // held.  Flat starts never hold a zero slope or intercept.
 TEST(Attempt1Members, HeldEntriesKeepTheirStart) {
   const Points p = transition();
-  const real_T* x = p.x.data();
-  const real_T* y = p.y.data();
+  const real_T *x = p.x.data(), *y = p.y.data();
   const real_T last[2] = {lastIntercept(x, y, 48), lastSlope(x, y, 48)};
   const BaselinePairs seg = segmentBaselines(x, y, 48);
   const struct { Attempt1 member; real_T midpoint, native[2], unfolded[2], held[5]; } cases[] = {

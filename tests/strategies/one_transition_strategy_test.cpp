@@ -66,12 +66,10 @@ Row fit(const Curve& c, real_T temperature = 25.0) {
   return row;
 }
 
-using MaskedFit = void (*)(const real_T*, int32_T, const real_T*, int32_T, const int32_T*, int32_T,
-                           real_T, real_T*, int32_T*);
 std::vector<int32_T> maskOut;  // the mask of the last masked fit
 
 // With no mask given, all points are on.
-Row fitMasked(MaskedFit f, const Curve& c, std::vector<int32_T> mask = {}) {
+Row fitMasked(decltype(&fitOneTransitionMasked) f, const Curve& c, std::vector<int32_T> mask = {}) {
   if (mask.empty()) mask.assign(c.n(), 1);
   Row row;
   maskOut.assign(mask.size(), -7);
@@ -159,8 +157,7 @@ TEST(FitOneTransitionMasked, TrimsDropEndPointsAndMeasureOnThePointsKept) {
   Curve last = synthetic(96, 5200.0, 3.6);
   last.y[95] -= 0.5;
   Curve both = last;
-  both.y[0] += 5.0;
-  both.y[95] -= 4.5;
+  both.y[0] += 5.0, both.y[95] -= 4.5;
   std::vector<int32_T> expected(96, 1);
   expected[95] = 0;
   const Row one = fitMasked(fitOneTransitionMasked, last);
