@@ -85,7 +85,6 @@ TEST(PrimaryFitEntry, RefusedAndFailedCalls) {
   } cases[] = {
       {"signal one point short", 10, {1, 40}, {1, 35}, {1, 4}, 4, 40},
       {"fewer concentrations than curves", 10, {1, 40}, {1, 40}, {1, 3}, 4, 40},
-      {"97 curves", 8, {1, 776}, {1, 776}, {1, 97}, 97, 776},
       {"97 concentrations for 4 curves", 8, {1, 32}, {1, 32}, {1, 97}, 4, 32},
       {"2305 points", 2305, {1, 2305}, {1, 2305}, {1, 1}, 1, 2305},
       {"no points per curve", 0, {1, 40}, {1, 40}, {1, 4}, 4, 40},
@@ -100,6 +99,7 @@ TEST(PrimaryFitEntry, RefusedAndFailedCalls) {
     expectWholeCallFailure(primaryFit(c.points, b, c.den, b, c.sig, b, c.conc), c.rows, c.maskEntries);
   }
   expectWholeCallFailure(primaryFit(Plate({1.0, 2.0}, 2, 400)), 4, 1600);
+  expectWholeCallFailure(primaryFit(Plate({2.0}, 97, 8)), 97, 776);  // 97 curves that would fit
 }
 
 // One curve is its own group mean.  Every state count fits one transition for
