@@ -95,7 +95,7 @@ TEST(Calc, LineIsATrendOnlyWhenItBeatsTheNoise) {
     const Calc c = Calc::of(k.curves);
     EXPECT_GT(c.summary[2], 0.0);  // R squared also for a refused line
     EXPECT_EQ(c.summary[0] != 0.0, k.trend);
-    if (!k.trend) EXPECT_EQ(c.summary[1], (c.trend->data[0] + c.trend->data[1]) / 2);
+    if (!k.trend) { EXPECT_EQ(c.summary[1], (c.trend->data[0] + c.trend->data[1]) / 2); }
   }
 }
 
@@ -138,7 +138,8 @@ TEST(Calc, RefusalsGiveTheEmptyAnswer) {
   const real_T conc[2] = {2, 1}, rows[48] = {};
   const int32_T flags[2] = {1, 1}, size[2] = {1, 2}, noRows[2] = {0, 48}, negative[2] = {1, -48},
                 full[2] = {1, 48};
-  for (const int32_T* rowsSize : {noRows, negative}) Calc(conc, size, rows, rowsSize, flags).expectEmptyAnswer({1, 2});
+  for (const int32_T* rowsSize : {noRows, negative})
+    Calc(conc, size, rows, rowsSize, flags).expectEmptyAnswer({1, 2});
   Calc(conc, noRows, rows, full, flags).expectEmptyAnswer({});
 }
 

@@ -32,36 +32,32 @@ TEST(LinearGrid, EndsAreExactAndHugeSpansFinite) {
   EXPECT_TRUE(std::isfinite(g->data[1]) && std::isfinite(g->data[2]));
 }
 
-// A fraction export, or none for the trend itself.
-using Fraction = decltype(&QUENT_dGtrend_fd);
-const Fraction kTrend = nullptr, kFd = QUENT_dGtrend_fd, kFragg = QUENT_dGtrend_fragg,
-               kFraggfd = QUENT_dGtrend_fraggfd;
 
 TEST(Drawing, GridsAndCurves) {
   const struct {
     const char* what;
-    Fraction draw;
+    decltype(&QUENT_dGtrend_fd) draw;  // a fraction export, or null for the trend itself
     std::vector<real_T> conc;
     real_T coefficients[2];  // slope, intercept
     int32_T points;
     std::vector<real_T> grid, curve;
     int32_T concRows = 1;
   } cases[] = {
-      {"NaN passed over, extremes 2 and 8", kTrend, {NAN, 8, 2, 8}, {-400, 7000}, 4, {2, 4, 6, 8},
+      {"NaN passed over, extremes 2 and 8", nullptr, {NAN, 8, 2, 8}, {-400, 7000}, 4, {2, 4, 6, 8},
        {kAny, 7000.0 + -400.0 * std::log(4.0), kAny, kAny}},
-      {"G = 0 on a flat grid: half unfolded", kFd, {1, 1}, {-300, 0}, 3, {1, 1, 1}, {0.5, 0.5, 0.5}},
+      {"G = 0 on a flat grid: one half", QUENT_dGtrend_fd, {1, 1}, {-300, 0}, 3, {1, 1, 1}, {0.5, 0.5, 0.5}},
       // (G1 - G0) / RT is about 36.7, so g lies in [2^53, 2^54) with an odd
       // last bit: (g - 1) + 1 is g - 2 there, and the fraction comes out
       // exactly 1 where the tidied form g would give 1 - 2^-52.
-      {"(g - 1) + 1 kept", kFragg, {1, 10}, {9452.84, 20000}, 2, {1, 10}, {0, 1}},
-      {"NaN slope, as no slope", kFragg, {1, 10}, {NAN, 5000}, 4, {1, kAny, kAny, 10}, {0, 0, 0, 0}},
-      {"rising trend", kFraggfd, {1, 10}, {100, 5000}, 4, {1, kAny, kAny, 10}, {0, 0, 0, 0}},
+      {"(g - 1) + 1 kept", QUENT_dGtrend_fragg, {1, 10}, {9452.84, 20000}, 2, {1, 10}, {0, 1}},
+      {"NaN slope: zeros", QUENT_dGtrend_fragg, {1, 10}, {NAN, 5000}, 4, {1, kAny, kAny, 10}, {0, 0, 0, 0}},
+      {"rising trend", QUENT_dGtrend_fraggfd, {1, 10}, {100, 5000}, 4, {1, kAny, kAny, 10}, {0, 0, 0, 0}},
       // Energies of order 1 show the missing division by RT in the
       // denominator: with it the value would be 0.0005847793914830504.
-      {"exp(G) without RT", kFraggfd, {1, 2}, {-0.5, 1}, 2, {1, 2}, {0, 0.0004447535018134014}},
-      {"one concentration", kFd, {1}, {1, 1}, 5, {1}, {1}},
-      {"no points", kFd, {1, 3}, {1, 1}, 0, {1}, {1}},
-      {"no rows", kFd, {1, 3}, {1, 1}, 5, {1}, {1}, 0}};
+      {"exp(G) without RT", QUENT_dGtrend_fraggfd, {1, 2}, {-0.5, 1}, 2, {1, 2}, {0, 0.0004447535018134014}},
+      {"one concentration", QUENT_dGtrend_fd, {1}, {1, 1}, 5, {1}, {1}},
+      {"no points", QUENT_dGtrend_fd, {1, 3}, {1, 1}, 0, {1}, {1}},
+      {"no rows", QUENT_dGtrend_fd, {1, 3}, {1, 1}, 5, {1}, {1}, 0}};
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
     const int32_T size[2] = {c.concRows, static_cast<int32_T>(c.conc.size())};

@@ -22,7 +22,7 @@ void expectRecovered(const real_T (&truth)[N], const real_T (&start)[N], int32_T
   heldFit<Model>(x.data(), y.data(), n, start, mask, fit);
   for (int i = 0; i < N; ++i) {
     EXPECT_NEAR(fit[i], truth[i], kRecovery * (std::fabs(truth[i]) + 1.0)) << "entry " << i;
-    if (mask.held[i]) EXPECT_EQ(fit[i], start[i]) << "entry " << i;
+    if (mask.held[i]) { EXPECT_EQ(fit[i], start[i]) << "entry " << i; }
   }
 }
 

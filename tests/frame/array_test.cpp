@@ -63,8 +63,7 @@ TEST(ArrayRecord, WrapperShapesAndClippedCapacity) {
   RealArray* negative = QUENT_emxCreateWrapper_real_T(&cell, -1, 5);
   RealArray* huge = QUENT_emxCreateWrapper_real_T(&cell, 65536, 65536);
   EXPECT_TRUE(negative->allocatedSize == 0 && huge->allocatedSize == 2147483647);
-  arrayFree(&negative);
-  arrayFree(&huge);
+  arrayFree(&negative), arrayFree(&huge);
 }
 
 TEST(ArrayRecord, FreeIsHarmlessOnNullAndTwice) {

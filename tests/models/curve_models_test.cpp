@@ -19,14 +19,14 @@ TEST(CurveModel, KnownAnswers) {
   const Known cases[] = {
       // Entries 1 to 4 change in the last bit if 1 - x / C is formed as (C - x) / C.
       {"one transition", {5000.0, 3.0, 10.0, -0.2, 2.0, 0.1, kRT}, {0.0, 1.0, 2.5, 4.0, 7.0},
-       {9.998270331839137, 9.772357754463584, 8.073306275154374, 2.7850486495992706, 2.7000765835200737}},
+       {9.998270331839137, 9.772357754463584, 8.073306275154374, 2.7850486495992706, 2.7000765835200737}, {}},
       {"at the midpoint half-way between the baselines", {6000.0, 2.0, 1.0, 0.5, 3.0, 0.25, kRT}, {2.0},
        {(1.0 + 1.0 + 3.0 + 0.5) / 2.0}, {0.5}},
       // A failed candidate (all -1) reads -1 at x = 0: that is how R squared
       // recognises it.
-      {"failed vector", {-1, -1, -1, -1, -1, -1, -1}, {0.0}, {-1.0}},
+      {"failed vector", {-1, -1, -1, -1, -1, -1, -1}, {0.0}, {-1.0}, {}},
       {"two transitions", {4000.0, 2.0, 9000.0, 5.0, 0.3, 10.0, -0.2, 2.0, 0.1, kRT}, {1.0, 3.0, 6.0},
-       {9.723588783941967, 7.329040550064857, 2.7984960760067543}},
+       {9.723588783941967, 7.329040550064857, 2.7984960760067543}, {}},
       {"three transitions", {4000.0, 2.0, 9000.0, 5.0, 12000.0, 7.0, 0.3, 0.45, 10.0, -0.2, 2.0, 0.1, kRT},
        {1.0, 4.5, 8.0}, {9.723598885712152, 6.566765330014313, 2.87375128765032},
        {0.009922222634785519, 0.38093754435875, 0.9868301272053}}};
@@ -60,7 +60,8 @@ TEST(CurveModel, ExtraTransitionsWithZeroWeightVanish) {
 // storage (1, 9).
 TEST(UnfoldedFraction, EvaluatesAtMost384PointsAndReadsStridedX) {
   const std::vector<real_T> x = grid(385, 0.0, 4.0);
-  const real_T p1[7] = {5000.0, 2.0, 0, 0, 0, 0, kRT}, p2[10] = {5000.0, 2.0, 5000.0, 2.0, 0.3, 0, 0, 0, 0, kRT};
+  const real_T p1[7] = {5000.0, 2.0, 0, 0, 0, 0, kRT};
+  const real_T p2[10] = {5000.0, 2.0, 5000.0, 2.0, 0.3, 0, 0, 0, 0, kRT};
   const real_T p3[13] = {5000.0, 2.0, 5000.0, 2.0, 5000.0, 2.0, 0.3, 0.3, 0, 0, 0, 0, kRT};
   real_T f1[kMaxFitPoints], f2[kMaxFitPoints], f3[kMaxFitPoints], f1row[kMaxFitPoints];
   EXPECT_EQ(unfoldedFraction1(p1, x.data(), 1, 385, f1), 384);

@@ -34,7 +34,7 @@ TEST(Sort, EveryFormMatchesAStableReference) {
       ASSERT_EQ(order, want) << n << (down ? " descending" : " ascending");
       for (int k = 0; k < n; ++k) {
         ASSERT_EQ(bits(got[k]), bits(v[order[k] - 1])) << n;
-        if (!down) ASSERT_EQ(bits(plain[k]), bits(got[k])) << n;
+        if (!down) { ASSERT_EQ(bits(plain[k]), bits(got[k])) << n; }
       }
     }
   }

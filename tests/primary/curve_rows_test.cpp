@@ -121,9 +121,9 @@ TEST(AcceptanceGates, Bounds) {
     r[4] = 1000.0, r[5] = 3.0, r[12] = 592.0, r[13] = 5.0, r[14] = 0.99, r[15] = 100.0;
     r[c.column] = c.value;
     failed[12] = -1.0, failed[13] = c.column == 12 ? 5.0 : 12.0;
-    if (c.column != 12) EXPECT_EQ(failsAcceptanceGates(r.data()), c.fails);
+    if (c.column != 12) { EXPECT_EQ(failsAcceptanceGates(r.data()), c.fails); }
     EXPECT_EQ(applyAcceptanceGates(r.data()), c.fails) << c.column << " " << c.value;
-    if (c.fails) EXPECT_EQ(r, failed) << c.column << " " << c.value;
+    if (c.fails) { EXPECT_EQ(r, failed) << c.column << " " << c.value; }
   }
 }
 

@@ -81,7 +81,7 @@ TEST(FitWithMaskRevision, QuarterOfSpikesAndSinglePoint) {
     fitWithMaskRevision(c.x, c.y, n, 2.0, 25.0, row, mask.data());
     const bool fits = spikes == 0 || spikes == 10;
     EXPECT_EQ(fits ? row[12] > 0.0 : std::equal(row, row + kRowColumns, cleared), true) << spikes;
-    if (!fits) EXPECT_EQ(mask, std::vector<int32_T>(n, 1)) << spikes;
+    if (!fits) { EXPECT_EQ(mask, std::vector<int32_T>(n, 1)) << spikes; }
   }
 }
 

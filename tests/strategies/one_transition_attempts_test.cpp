@@ -78,7 +78,7 @@ TEST(Attempt1Members, HeldEntriesKeepTheirStart) {
     runAttempt1(c.member, x, y, 48, kFixedRT, c.midpoint, c.native, c.unfolded, r);
     ASSERT_NE(r[0], -1.0);
     for (int k = 0; k < 5; ++k)
-      if (!std::isnan(c.held[k])) EXPECT_EQ(r[k + 1], c.held[k]) << "entry " << k + 1;
+      if (!std::isnan(c.held[k])) { EXPECT_EQ(r[k + 1], c.held[k]) << "entry " << k + 1; }
     EXPECT_EQ(r[6], kFixedRT);
   }
 }

@@ -29,7 +29,7 @@ struct Curve {
 Curve synthetic(int32_T n, real_T dG, real_T Cm, real_T nativeSlope = 0.0,
                 real_T unfoldedSlope = 0.0, real_T noiseShare = 0.0, unsigned seed = 7) {
   const real_T p[7] = {dG, Cm, 10.0, nativeSlope, 2.0, unfoldedSlope, rtFromCelsius(25.0)};
-  Curve c{test::grid(n, 0.0, 8.0)};
+  Curve c{test::grid(n, 0.0, 8.0), {}};
   c.y = test::evaluated(curveModel1, p, c.x);
   for (int32_T i = 0; i < n; ++i) c.y[i] += 8.0 * noiseShare * noise(i, seed);
   return c;
