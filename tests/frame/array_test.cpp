@@ -35,8 +35,7 @@ TEST(ArrayRecord, GrowthZeroesAndShrinkKeepsStorage) {
 // Growing copies the host's values into library storage, zero-fills the rest
 // and leaves the host's buffer as it was; freeing frees the grown storage only.
 TEST(ArrayRecord, HostWrapperStaysUntilItMustGrow) {
-  std::vector<real_T> host(100);
-  for (int i = 0; i < 100; ++i) host[i] = i + 0.5;
+  std::vector<real_T> host = test::grid(100, 0.5, 99.5);  // i + 0.5
   RealArray* a = QUENT_emxCreateWrapper_real_T(host.data(), 1, 100);
   ASSERT_NE(a, nullptr);
   ASSERT_TRUE(arrayResizeRow(a, 100));
