@@ -1,35 +1,11 @@
 #include "engine/damped_step.h"
 
 #include <cmath>
-#include <cstdint>
 #include <cstring>
 
+#include "numerics/bit_tests.h"
+
 namespace quent {
-namespace {
-
-// Bit tests that vectorise: every entry +0 or -0; every entry finite.
-bool allZero(const real_T* x, int32_T count) {
-  std::uint64_t any = 0;
-  for (int32_T i = 0; i < count; ++i) {
-    std::uint64_t b;
-    std::memcpy(&b, x + i, sizeof b);
-    any |= b << 1;
-  }
-  return any == 0;
-}
-
-bool allFinite(const real_T* x, long long count) {
-  constexpr std::uint64_t kExponent = 0x7ff0000000000000ull, kExponentOne = 1ull << 52;
-  std::uint64_t carry = 0;
-  for (long long i = 0; i < count; ++i) {
-    std::uint64_t b;
-    std::memcpy(&b, x + i, sizeof b);
-    carry |= (b & kExponent) + kExponentOne;
-  }
-  return (carry >> 63) == 0;
-}
-
-}  // namespace
 
 void lmStep(const real_T* J, int32_T rows, int32_T cols, const real_T* r, real_T damping,
             real_T* step, const StepWork& work) {

@@ -4,6 +4,8 @@
 // factorisation passes over work whose result it knows bit for bit.
 #include "numerics/pivoted_qr.h"
 
+#include "numerics/bit_tests.h"
+
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -24,38 +26,6 @@ constexpr int32_T kStackColumns = 169;
 
 inline real_T* column(real_T* a, int32_T m, int32_T j) {
   return a + static_cast<std::ptrdiff_t>(j) * m;
-}
-
-// True when every entry is +0 or -0.  Works on the bit patterns without the
-// sign, a block at a time, so that scanning long zero columns vectorises.
-bool allZero(const real_T* x, int32_T count) {
-  const auto magnitudeBits = [](const real_T* p) {
-    std::uint64_t b;
-    std::memcpy(&b, p, sizeof b);
-    return b << 1;
-  };
-  int32_T i = 0;
-  for (; i + 16 <= count; i += 16) {
-    std::uint64_t any = 0;
-    for (int32_T u = 0; u < 16; ++u) any |= magnitudeBits(x + i + u);
-    if (any != 0) return false;
-  }
-  for (; i < count; ++i)
-    if (magnitudeBits(x + i) != 0) return false;
-  return true;
-}
-
-// An all-ones exponent (infinity or NaN) carries into the top bit when one
-// is added to it; integer steps only, so the scan vectorises.
-bool allFinite(const real_T* x, int32_T count) {
-  constexpr std::uint64_t kExponent = 0x7ff0000000000000ull, kExponentOne = 1ull << 52;
-  std::uint64_t carry = 0;
-  for (int32_T i = 0; i < count; ++i) {
-    std::uint64_t b;
-    std::memcpy(&b, x + i, sizeof b);
-    carry |= (b & kExponent) + kExponentOne;
-  }
-  return (carry >> 63) == 0;
 }
 
 void scaleStretch(real_T* x, int32_T count, real_T factor) {
