@@ -6,7 +6,8 @@
 
 #include "frame/limits.h"
 #include "models/curve_models.h"
-#include "strategies/one_transition_strategy.h"
+#include "strategies/one_transition_family.h"
+#include "strategies/strategy_skeleton.h"
 
 namespace quent {
 namespace {
@@ -21,7 +22,7 @@ void FitOneTransition96NoisyPoints(benchmark::State& state) {
   for (int32_T i = 0; i < n; ++i) y[i] += 0.08 * ((i * 7919) % 13 - 6) / 6.0;
   real_T row[24];
   for (auto _ : state) {
-    fitOneTransition(x.data(), n, y.data(), n, 25.0, row);
+    strategy::fitWhole<OneTransitionFamily>(x.data(), n, y.data(), n, 25.0, row);
     benchmark::DoNotOptimize(row);
   }
   state.counters["code"] = row[13];

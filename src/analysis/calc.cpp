@@ -9,6 +9,7 @@
 
 #include "frame/array.h"
 #include "frame/limits.h"
+#include "frame/row_layout.h"
 #include "frame/vector_view.h"
 #include "models/r_squared.h"
 #include "numerics/line_fit.h"
@@ -22,25 +23,23 @@ namespace {
 // of concentrations, however quiet the curves are.
 constexpr real_T kMinimumThreshold = 300.0;
 
-// Column 12 holds RT: above 0 in a fitted row, -1 in a failed one.
-constexpr int32_T kRtColumn = 12;
-
 struct TransitionColumns {
   int32_T energy;
   int32_T error;
 };
 
 TransitionColumns columnsOf(int32_T transition) {
-  if (transition == 2) return {6, 16};
-  if (transition == 3) return {9, 17};
-  return {4, 15};  // any other value: the first transition
+  // Any value but 2 and 3 names the first transition.
+  const int t = transition == 2 || transition == 3 ? transition - 1 : 0;
+  return {kColEnergy[t], kColEnergyError + t};
 }
 
 // The host's rows, 24 columns per curve, read through its stride.
 struct FitRows {
   VectorView<real_T> v;
   real_T at(int32_T curve, int32_T column) const { return v[kRowColumns * curve + column]; }
-  bool fitted(int32_T curve) const { return at(curve, kRtColumn) > 0.0; }
+  // RT: above 0 in a fitted row, -1 in a failed one.
+  bool fitted(int32_T curve) const { return at(curve, kColRT) > 0.0; }
 };
 
 struct Outputs {

@@ -6,12 +6,12 @@
 
 #include <cmath>
 
+#include "frame/limits.h"
 #include "numerics/pivoted_qr.h"
 
 namespace quent {
 namespace {
 
-constexpr real_T kEpsilon = 2.220446049250313e-16;
 
 }  // namespace
 
@@ -80,7 +80,7 @@ void leftDivide(real_T* a, int32_T m, int32_T n, const real_T* b, real_T* x,
   // Numeric rank: diagonal entries of R from the first, up to the first one
   // below the tolerance (an entry equal to it still counts).
   const int32_T diagonal = m < n ? m : n;
-  const real_T tol = static_cast<real_T>(m > n ? m : n) * std::fabs(A(0, 0)) * kEpsilon;
+  const real_T tol = static_cast<real_T>(m > n ? m : n) * std::fabs(A(0, 0)) * kMachineEpsilon;
   int32_T rank = 0;
   while (rank < diagonal && !(std::fabs(A(rank, rank)) < tol)) ++rank;
 

@@ -9,6 +9,7 @@
 #include "engine/damped_step.h"
 #include "engine/jacobian.h"
 #include "engine/levenberg_marquardt.h"
+#include "frame/limits.h"
 #include "numerics/singular_values.h"
 
 namespace quent {
@@ -18,7 +19,7 @@ namespace lm {
 constexpr real_T kDampingStart = 0.01;
 constexpr real_T kDampingDown = 0.1;
 constexpr real_T kDampingUp = 10.0;
-constexpr real_T kDampingFloor = 2.220446049250313e-16;
+constexpr real_T kDampingFloor = kMachineEpsilon;
 constexpr real_T kDampingCap = 1e+16;
 constexpr int kMaxPasses = 200;
 constexpr real_T kStepTolerance = 1e-08;

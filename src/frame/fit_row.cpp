@@ -35,7 +35,7 @@ void writeClearedRow(real_T code, real_T* row) {
 template <int T>
 void writeFitRow(const real_T* x, const real_T* y, int32_T n, const real_T* params, real_T code,
                  real_T* row) {
-  if (!(params[0] >= 0.0)) {
+  if (!(params[TransitionLayout<T>::dG(0)] >= 0.0)) {
     writeFailedRow<T>(code, row);
     return;
   }

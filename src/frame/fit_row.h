@@ -21,16 +21,11 @@ template <int T>
 void writeFittedRow(const real_T* x, const real_T* y, int32_T n, const real_T* params,
                     real_T code, real_T* row);
 
-inline void writeFitRow1(const real_T* x, const real_T* y, int32_T n, const real_T* p, real_T code, real_T* row) { writeFitRow<1>(x, y, n, p, code, row); }
-inline void writeFitRow2(const real_T* x, const real_T* y, int32_T n, const real_T* p, real_T code, real_T* row) { writeFitRow<2>(x, y, n, p, code, row); }
-inline void writeFitRow3(const real_T* x, const real_T* y, int32_T n, const real_T* p, real_T code, real_T* row) { writeFitRow<3>(x, y, n, p, code, row); }
-
 // Failed row of T transitions: -1 in the parameter columns a T-transition fit
 // fills (0-5, 0-8 or 0-11), 0 in the rest up to 11, -1 in columns 12 and 14,
 // the code in 13, 0 in 15-23.
 template <int T>
 void writeFailedRow(real_T code, real_T* row);
-
 
 // A two- or three-transition fit on a point mask that leaves too few points
 // writes code 1 in the one-transition layout: -1 in columns 0-5 only.  That is

@@ -1,6 +1,8 @@
 // Caps that hold across the library: they size every fixed buffer.
 #pragma once
 
+#include <limits>
+
 #include "quent_dgtrend.h"
 
 namespace quent {
@@ -13,6 +15,10 @@ constexpr int32_T kRowColumns = 24;        // columns of a fit result row
 // Every element of a failed parameter vector, and the failure value of every
 // quality measure.
 constexpr real_T kFailed = -1.0;
+
+// The spacing of doubles at 1.0, 2^-52: the relative rounding unit of every
+// tolerance of the dense numerics and the floor of the damping.
+constexpr real_T kMachineEpsilon = std::numeric_limits<real_T>::epsilon();
 
 // RT at 25 degrees Celsius, used by the refits that are given no temperature.
 constexpr real_T kFixedRT = 592.4836799999999;

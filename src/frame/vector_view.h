@@ -16,6 +16,10 @@ struct VectorView {
   int32_T length = 0;
 
   T operator[](int32_T i) const { return data[static_cast<long long>(stride) * i]; }
+  // The view from entry `first` on.
+  VectorView from(int32_T first) const {
+    return {data + static_cast<long long>(stride) * first, stride, length - first};
+  }
 };
 
 template <class T>

@@ -34,7 +34,7 @@ void endAgreement(const real_T* x, int32_T xCount, const real_T* y, int32_T yCou
                   const real_T* params, real_T out[2]) {
   out[0] = 0.0;
   out[1] = 0.0;
-  const real_T first = params[0];
+  const real_T first = params[TransitionLayout<T>::dG(0)];
   if (first < 0.0 || (kStopsOnNaNEnergy<T> && first != first)) return;
 
   real_T fraction[kMaxFitPoints];

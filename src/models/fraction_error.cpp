@@ -21,7 +21,7 @@ namespace {
 //   2 | 12 (RT)
 //   3 |  5 (Cm1)
 template <int T>
-constexpr int kFailedRowColumn = T == 2 ? kColRT : 5;
+constexpr int kFailedRowColumn = T == 2 ? kColRT : kColMidpoint[0];
 
 }  // namespace
 
@@ -42,7 +42,8 @@ real_T fractionError(const real_T* x, int32_T xCount, const real_T* y, int32_T y
   unfoldedFraction<T>(params, x, 1, n, fraction);
   if (fraction[0] <= -1.0) return kFailed;
 
-  const real_T a = column(0), b = column(1), c = column(2), d = column(3);
+  const real_T a = column(kColNativeIntercept), b = column(kColNativeSlope);
+  const real_T c = column(kColUnfoldedIntercept), d = column(kColUnfoldedSlope);
   real_T sse = 0.0;
   for (int32_T i = 0; i < n; ++i) {
     const real_T native = x[i] * b + a;

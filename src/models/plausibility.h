@@ -10,15 +10,11 @@ namespace quent {
 // m-value (dG / Cm, cal/(mol unit of x)) of every transition.
 constexpr real_T mValueMin = 100.0;
 constexpr real_T mValueMax = 15000.0;
-// Share of the amplitude of amp1 with two transitions, of amp1 and amp2 with three.
-constexpr real_T ampMin2 = 0.08;
-constexpr real_T ampMax2 = 0.92;
-constexpr real_T ampMin3 = 0.06;
-constexpr real_T ampMax3 = 0.94;
 
 // 1.0 for a plausible T-transition vector on the curve x[0..n-1] (ascending,
 // so x[n-1] is the largest concentration), else 0.0.  Every bound is
-// inclusive and a NaN fails.  An empty x gives 0.0.
+// inclusive and a NaN fails.  An empty x gives 0.0.  The bounds of the
+// amplitude shares are those of the family.
 template <int T>
 real_T plausible(const real_T* params, const real_T* x, int32_T n);
 
@@ -33,8 +29,23 @@ inline real_T plausible3(const real_T* p, const real_T* x, int32_T n) { return p
 void canonicalOrder2(real_T* params);
 void canonicalOrder3(real_T* params);
 
+// The canonical order of T transitions; one transition has no order to make.
+template <int T>
+void canonicalOrder(real_T* params) {
+  if constexpr (T == 2) canonicalOrder2(params);
+  if constexpr (T == 3) canonicalOrder3(params);
+}
+
+// The ending of every fit a strategy or a refit makes: canonical order, then
+// a refused vector becomes all -1.
+template <int T>
+void keepIfPlausible(real_T* params, const real_T* x, int32_T n);
+
 extern template real_T plausible<1>(const real_T*, const real_T*, int32_T);
 extern template real_T plausible<2>(const real_T*, const real_T*, int32_T);
 extern template real_T plausible<3>(const real_T*, const real_T*, int32_T);
+extern template void keepIfPlausible<1>(real_T*, const real_T*, int32_T);
+extern template void keepIfPlausible<2>(real_T*, const real_T*, int32_T);
+extern template void keepIfPlausible<3>(real_T*, const real_T*, int32_T);
 
 }  // namespace quent

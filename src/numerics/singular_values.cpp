@@ -7,12 +7,12 @@
 #include <cstddef>
 #include <cstdlib>
 
+#include "frame/limits.h"
 #include "numerics/pivoted_qr.h"
 
 namespace quent {
 namespace {
 
-constexpr real_T kEps = 2.220446049250313e-16;
 constexpr real_T kTiny = 1.0020841800044864e-292;
 constexpr int32_T kMaxSweeps = 75;      // per singular value
 constexpr int32_T kRelaxedAfter = 20;   // sweeps before the test against the whole norm
@@ -156,8 +156,8 @@ void diagonalize(real_T* s, real_T* e, int32_T order) {
     int32_T q = p - 1;
     for (; q > 0; --q) {
       const real_T ae = std::fabs(e[q - 1]);
-      if (ae <= kEps * (std::fabs(s[q - 1]) + std::fabs(s[q])) || ae <= kTiny ||
-          (sweeps > kRelaxedAfter && ae <= kEps * snorm)) {
+      if (ae <= kMachineEpsilon * (std::fabs(s[q - 1]) + std::fabs(s[q])) || ae <= kTiny ||
+          (sweeps > kRelaxedAfter && ae <= kMachineEpsilon * snorm)) {
         e[q - 1] = 0.0;
         break;
       }
@@ -182,7 +182,7 @@ void diagonalize(real_T* s, real_T* e, int32_T order) {
       if (k < p) t = t + std::fabs(e[k - 1]);
       if (k > q + 1) t = t + std::fabs(e[k - 2]);
       const real_T as = std::fabs(s[k - 1]);
-      if (as <= kEps * t || as <= kTiny) {
+      if (as <= kMachineEpsilon * t || as <= kTiny) {
         s[k - 1] = 0.0;
         break;
       }

@@ -5,6 +5,7 @@
 
 #include "frame/fit_row.h"
 #include "frame/limits.h"
+#include "frame/row_layout.h"
 
 namespace quent {
 namespace {
@@ -16,8 +17,9 @@ constexpr real_T kRejectedCode = 12.0;
 }  // namespace
 
 bool failsAcceptanceGates(const real_T* row) {
-  return row[kColRSquared] < kMinRSquared || row[4] < 0.0 || row[6] < 0.0 || row[9] < 0.0 ||
-         row[kColEnergyError] / row[4] > kMaxRelativeError;
+  return row[kColRSquared] < kMinRSquared || row[kColEnergy[0]] < 0.0 ||
+         row[kColEnergy[1]] < 0.0 || row[kColEnergy[2]] < 0.0 ||
+         row[kColEnergyError] / row[kColEnergy[0]] > kMaxRelativeError;
 }
 
 bool applyAcceptanceGates(real_T* row) {

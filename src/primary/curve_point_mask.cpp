@@ -4,15 +4,18 @@
 // round's residuals can come back in the next.
 #include "primary/curve_point_mask.h"
 
+#include <algorithm>
+
 #include "frame/fit_row.h"
+#include "frame/kept_points.h"
 #include "frame/limits.h"
 #include "frame/row_layout.h"
 #include "models/end_agreement.h"
 #include "primary/finish_row.h"
-#include "primary/primary_family.h"
 #include "primary/refit_from_row.h"
 #include "primary/revise_mask.h"
 #include "primary/screen_spikes.h"
+#include "strategies/families.h"
 
 namespace quent {
 namespace {
@@ -34,16 +37,6 @@ thread_local real_T keptY[kMaxCurvePoints];
 
 constexpr real_T kZeros[kMaxCurvePoints] = {};
 
-void copyMask(const int32_T* from, int32_T n, int32_T* to) {
-  for (int32_T i = 0; i < n; ++i) to[i] = from[i];
-}
-
-bool sameMask(const int32_T* a, const int32_T* b, int32_T n) {
-  for (int32_T i = 0; i < n; ++i)
-    if (a[i] != b[i]) return false;
-  return true;
-}
-
 template <int32_T Count>
 void clearFirstKeptEnd(const int32_T (&ends)[Count], int32_T n, int32_T* mask) {
   for (const int32_T end : ends) {
@@ -54,13 +47,6 @@ void clearFirstKeptEnd(const int32_T (&ends)[Count], int32_T n, int32_T* mask) {
   }
 }
 
-int32_T gatherKept(const real_T* x, const real_T* y, int32_T n, const int32_T* mask) {
-  int32_T kept = 0;
-  for (int32_T i = 0; i < n; ++i)
-    if (mask[i] == 1) keptX[kept] = x[i], keptY[kept] = y[i], ++kept;
-  return kept;
-}
-
 // One pass of at most five refits from the reference row, starting from the
 // spike mask.  passRow and passMask keep the last good round; the pass ends
 // when a round leaves the working mask equal to passMask.
@@ -68,23 +54,22 @@ template <int T, int32_T EndCount>
 void refitPass(const real_T* x, const real_T* y, int32_T n, const real_T* reference,
                bool amplitudesHeld, int codeOffset, const int32_T (&ends)[EndCount],
                real_T* passRow, int32_T* passMask) {
-  constexpr real_T kStateCount = FamilyRules<T>::kStateCount;
-  copyMask(baseMask, n, workMask);
+  std::copy_n(baseMask, n, workMask);
   for (int r = 1; r <= kRounds; ++r) {
     real_T params[TransitionLayout<T>::kParams];
     real_T candidate[kRowColumns];
     refitMasked<T>(x, y, n, reference, workMask, amplitudesHeld, params);
-    const int32_T kept = gatherKept(x, y, n, workMask);
-    finishRow(keptX, keptY, kept, params, r + codeOffset, kStateCount, candidate);
+    const int32_T kept = gatherKept(x, y, workMask, n, keptX, keptY);
+    finishRow<T>(keptX, keptY, kept, params, r + codeOffset, candidate);
     if (candidate[kColRT] <= 0.0) {
       clearFirstKeptEnd(ends, n, workMask);
     } else {
       for (int c = 0; c < kRowColumns; ++c) passRow[c] = candidate[c];
-      copyMask(workMask, n, passMask);
-      copyMask(baseMask, n, workMask);
+      std::copy_n(workMask, n, passMask);
+      std::copy_n(baseMask, n, workMask);
       reviseMask(x, y, n, candidate, workMask);
     }
-    if (sameMask(workMask, passMask, n)) return;
+    if (std::equal(workMask, workMask + n, passMask)) return;
   }
 }
 
@@ -95,8 +80,7 @@ void refitPass(const real_T* x, const real_T* y, int32_T n, const real_T* refere
 template <int T>
 real_T zeroCurveAgreement(const real_T* passRow, const int32_T* passMask, int32_T n) {
   using L = TransitionLayout<T>;
-  int32_T ones = 0;
-  for (int32_T i = 0; i < n; ++i) ones += passMask[i] == 1 ? 1 : 0;
+  const int32_T ones = countKept(passMask, n);
   real_T params[L::kParams];
   paramsFromRow<T>(passRow, 1, params);
   for (int t = 0; t < T; ++t) params[L::dG(t)] = params[L::dG(t)] / params[L::Cm(t)];
@@ -109,7 +93,7 @@ real_T zeroCurveAgreement(const real_T* passRow, const int32_T* passMask, int32_
 void take(const real_T* passRow, const int32_T* passMask, int32_T n, real_T* row,
           int32_T* mask) {
   for (int c = 0; c < kRowColumns; ++c) row[c] = passRow[c];
-  copyMask(passMask, n, mask);
+  std::copy_n(passMask, n, mask);
 }
 
 }  // namespace
@@ -139,7 +123,7 @@ void buildCurveMask(const real_T* x, const real_T* y, int32_T n, const real_T* r
     for (int32_T i = 0; i < n; ++i) freePassMask[i] = 1;
     refitPass<T>(x, y, n, referenceRow, false, 5, kFreePassEnds, freePassRow, freePassMask);
     const bool freeStands = zeroCurveAgreement<T>(freePassRow, freePassMask, n) > 1.0 ||
-                            FamilyRules<T>::maskFreePassStands(freePassRow, referenceRow);
+                            Family<T>::maskFreePassStands(freePassRow, referenceRow);
     if (freeStands)
       take(freePassRow, freePassMask, n, row, mask);
     else

@@ -3,12 +3,13 @@
 // stays the fallback whenever it succeeded.
 #include "primary/final_curve_fit.h"
 
+#include <algorithm>
+
 #include "frame/fit_row.h"
 #include "frame/limits.h"
 #include "models/end_agreement.h"
-#include "primary/finish_row.h"
-#include "primary/primary_family.h"
 #include "primary/refit_from_row.h"
+#include "strategies/families.h"
 
 namespace quent {
 namespace {
@@ -30,29 +31,27 @@ void refitRow(const real_T* x, const real_T* y, int32_T n, const real_T* referen
               real_T* params, real_T* row) {
   if (!chosen) {
     for (int k = 0; k < TransitionLayout<T>::kParams; ++k) params[k] = 0.0;
-    failedRow(unchosenCode, FamilyRules<T>::kStateCount, row);
+    writeFailedRow<T>(unchosenCode, row);
     return;
   }
   refitFromRow<T>(x, y, n, referenceRow, amplitudesHeld, params);
   writeFitRow<T>(x, y, n, params, code, row);
 }
 
-void copyRow(const real_T* from, real_T* to) {
-  for (int c = 0; c < kRowColumns; ++c) to[c] = from[c];
-}
+void copyRow(const real_T* from, real_T* to) { std::copy_n(from, kRowColumns, to); }
 
 }  // namespace
 
 template <int T>
 void finalCurveFit(const real_T* x, const real_T* y, int32_T n, const real_T* referenceRow,
                    bool chosen, real_T* row) {
-  using Rules = FamilyRules<T>;
+  using F = Family<T>;
   writeClearedRow(0.0, row);
-  if (n < Rules::kMinKeptPoints) return;
+  if (n < F::kMinPoints) return;
 
   real_T heldParams[TransitionLayout<T>::kParams];
   real_T heldRow[kRowColumns];
-  refitRow<T>(x, y, n, referenceRow, chosen, true, Rules::kHeldCode, kUnchosenHeldCode,
+  refitRow<T>(x, y, n, referenceRow, chosen, true, F::kHeldRefitCode, kUnchosenHeldCode,
               heldParams, heldRow);
   if constexpr (T == 1) {
     if (heldRow[kColRT] > 0.0) copyRow(heldRow, row);
@@ -62,10 +61,10 @@ void finalCurveFit(const real_T* x, const real_T* y, int32_T n, const real_T* re
       return;
     }
     real_T freeParams[TransitionLayout<T>::kParams];
-    refitRow<T>(x, y, n, referenceRow, chosen, false, Rules::kFreeCode, kUnchosenFreeCode,
+    refitRow<T>(x, y, n, referenceRow, chosen, false, F::kFreeRefitCode, kUnchosenFreeCode,
                 freeParams, row);
     const bool freeStands = plateauFlags<T>(x, y, n, freeParams) > 1.0 &&
-                            Rules::finalSharesClose(row, referenceRow);
+                            F::finalSharesClose(row, referenceRow);
     if (!freeStands && heldRow[kColRT] > 0.0) copyRow(heldRow, row);
   }
 }

@@ -11,7 +11,7 @@
 #include "primary/final_curve_fit.h"
 #include "primary/fit_statistics.h"
 #include "primary/free_energy_trend.h"
-#include "primary/primary_family.h"
+#include "strategies/families.h"
 
 namespace quent {
 namespace {
@@ -40,8 +40,8 @@ void finishPrimaryFit(const CallCurves& curves, const ConcentrationGroups& group
   for (int32_T c = 0; c < curveCount; ++c) {
     const int32_T n = curves.gatherKept(c, source.pointMask, keptX, keptY);
     const bool chosen = source.chosen(c);
-    withFamilyRules(stateCount, [&]<int T>() {
-      finalCurveFit<T>(keptX, keptY, n, referenceRow, chosen, row(c));
+    withFamily(stateCount, [&]<class F>() {
+      finalCurveFit<F::T>(keptX, keptY, n, referenceRow, chosen, row(c));
     });
   }
 

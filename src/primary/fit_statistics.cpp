@@ -5,13 +5,10 @@
 #include "frame/row_layout.h"
 #include "models/fraction_error.h"
 #include "models/r_squared.h"
-#include "primary/primary_family.h"
+#include "strategies/families.h"
 
 namespace quent {
 namespace {
-
-// Energy columns of the transitions, in order.
-constexpr int kEnergyColumn[3] = {4, 6, 9};
 
 template <int T>
 void refresh(const real_T* x, const real_T* y, int32_T n, real_T* row) {
@@ -20,14 +17,14 @@ void refresh(const real_T* x, const real_T* y, int32_T n, real_T* row) {
   row[kColRSquared] = rSquaredOfFit<T>(x, y, n, params);
   real_T error = fractionError<T>(x, n, y, n, row, 1);
   if (error != error) error = kFailed;
-  for (int t = 0; t < T; ++t) row[kColEnergyError + t] = row[kEnergyColumn[t]] * error;
+  for (int t = 0; t < T; ++t) row[kColEnergyError + t] = row[kColEnergy[t]] * error;
 }
 
 }  // namespace
 
 void refreshFitStatistics(int32_T stateCount, const real_T* x, const real_T* y, int32_T n,
                           real_T* row) {
-  withFamilyRules(stateCount, [&]<int T>() { refresh<T>(x, y, n, row); });
+  withFamily(stateCount, [&]<class F>() { refresh<F::T>(x, y, n, row); });
 }
 
 }  // namespace quent

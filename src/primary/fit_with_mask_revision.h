@@ -12,7 +12,7 @@ namespace quent {
 // used to mask (n entries).  Without a good round the row is cleared (zeros,
 // column 12 at -1) and the mask all ones; so is a curve of which more than a
 // quarter are spikes.
-void fitWithMaskRevision(const real_T* x, const real_T* y, int32_T n, real_T stateCount,
+void fitWithMaskRevision(const real_T* x, const real_T* y, int32_T n, int32_T stateCount,
                          real_T temperatureC, real_T* row, int32_T* mask);
 
 }  // namespace quent

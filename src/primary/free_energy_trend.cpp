@@ -15,12 +15,6 @@ namespace {
 
 constexpr real_T kConstantScale = 1e6;
 
-// Row columns of each transition:
-//                                   t = 1   2   3
-constexpr int kEnergyColumn[3]   = {    4,  6,  9};
-constexpr int kMidpointColumn[3] = {    5,  7, 10};
-constexpr int kConstantColumn[3] = {   18, 19, 20};
-
 }  // namespace
 
 void freeEnergyTrend(const VectorView<real_T>& sampleConc, int32_T curveCount,
@@ -40,14 +34,14 @@ void freeEnergyTrend(const VectorView<real_T>& sampleConc, int32_T curveCount,
 
   bool second = false, third = false;
   for (int32_T c = 0; c < curveCount; ++c) {
-    second = second || row(c)[6] > 0.0;
-    third = third || row(c)[9] > 0.0;
+    second = second || row(c)[kColEnergy[1]] > 0.0;
+    third = third || row(c)[kColEnergy[2]] > 0.0;
   }
   const int lastTransition = third ? 2 : second ? 1 : 0;
 
   real_T mValues[kMaxCurves];
   for (int t = 0; t <= lastTransition; ++t) {
-    const int energy = kEnergyColumn[t], midpoint = kMidpointColumn[t];
+    const int energy = kColEnergy[t], midpoint = kColMidpoint[t];
     for (int32_T k = 0; k < validCount; ++k) mValues[k] = row(valid[k])[energy] / row(valid[k])[midpoint];
     const LineCoefficients line = lineFit(lnConc, mValues, validCount);
     for (int32_T c = 0; c < curveCount; ++c) {
@@ -58,7 +52,7 @@ void freeEnergyTrend(const VectorView<real_T>& sampleConc, int32_T curveCount,
       }
       const real_T dG = r[midpoint] * (std::log(sampleConc[c]) * line.slope + line.intercept);
       r[energy] = dG;
-      r[kConstantColumn[t]] = std::exp(-(dG / r[kColRT])) * kConstantScale;
+      r[kColConstant + t] = std::exp(-(dG / r[kColRT])) * kConstantScale;
     }
   }
 }

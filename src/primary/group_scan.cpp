@@ -9,7 +9,8 @@
 #include "frame/row_layout.h"
 #include "primary/curve_usable.h"
 #include "primary/fit_with_mask_revision.h"
-#include "primary/primary_family.h"
+#include "strategies/families.h"
+#include "strategies/strategy_skeleton.h"
 
 namespace quent {
 namespace {
@@ -30,18 +31,22 @@ real_T usableCurve(const CallCurves& curves, const ScanSource& source, int32_T s
                    int32_T curve) {
   const int32_T n = curves.pointsPerCurve;
   curves.copy(curve, groupCurveX, groupCurveY);
-  return withFamilyFits(stateCount, [&]<int T>() -> real_T {
-    if (!source.masked) return curveUsable<T>(groupCurveX, n, groupCurveY, n);
-    const VectorView<int32_T>& mask = source.pointMask;
-    const int32_T first = curves.at(curve, 0);
-    if (source.hostMask) {
-      const int32_T sliceSize[2] = {mask.stride, n};
-      const int32_T* slice = mask.data + static_cast<long long>(mask.stride) * first;
-      return curveUsableMaskedPair<T>(groupCurveX, n, groupCurveY, n, slice, sliceSize);
-    }
-    for (int32_T i = 0; i < n; ++i) maskSlice[i] = mask[first + i];
-    return curveUsableMasked<T>(groupCurveX, n, groupCurveY, n, maskSlice, n);
-  });
+  if (!source.masked) return curveUsable(stateCount, groupCurveX, n, groupCurveY, n);
+  const VectorView<int32_T>& mask = source.pointMask;
+  const int32_T first = curves.at(curve, 0);
+  if (source.hostMask) {
+    const int32_T sliceSize[2] = {mask.stride, n};
+    const int32_T* slice = mask.data + static_cast<long long>(mask.stride) * first;
+    return curveUsableMaskedPair(stateCount, groupCurveX, n, groupCurveY, n, slice, sliceSize);
+  }
+  for (int32_T i = 0; i < n; ++i) maskSlice[i] = mask[first + i];
+  return curveUsableMasked(stateCount, groupCurveX, n, groupCurveY, n, maskSlice, n);
+}
+
+// The whole-curve strategy of the family, for a masked round.
+void fitWholeCurve(int32_T stateCount, const real_T* x, const real_T* y, int32_T n,
+                   real_T temperatureC, real_T* row) {
+  withFamily(stateCount, [&]<class F>() { strategy::fitWhole<F>(x, n, y, n, temperatureC, row); });
 }
 
 // The mean curve of the usable curves into meanX, meanY; returns its count.
@@ -86,8 +91,8 @@ void fitRound(const CallCurves& curves, const ScanSource& source, int32_T stateC
       usable[c] = usableCurve(curves, source, stateCount, c);
   int32_T count = meanCurve(curves, source, reference, usable);
   if (source.masked) {
-    if (count >= familyMinKeptPoints(stateCount))
-      fitFamilyWhole(stateCount, meanX, meanY, count, temperatureC, referenceRow);
+    const int32_T fewest = withFamily(stateCount, []<class F>() { return F::kMinPoints; });
+    if (count >= fewest) fitWholeCurve(stateCount, meanX, meanY, count, temperatureC, referenceRow);
     return;
   }
   // An empty round still fits: the single point (0, 0), which fails.
@@ -96,8 +101,7 @@ void fitRound(const CallCurves& curves, const ScanSource& source, int32_T stateC
     meanY[0] = 0.0;
     count = 1;
   }
-  fitWithMaskRevision(meanX, meanY, count, static_cast<real_T>(stateCount), temperatureC,
-                      referenceRow, revisedMask);
+  fitWithMaskRevision(meanX, meanY, count, stateCount, temperatureC, referenceRow, revisedMask);
 }
 
 }  // namespace
@@ -110,7 +114,7 @@ void groupScan(const CallCurves& curves, const ConcentrationGroups& groups,
   int32_T reference = groups.topIndex;
   for (int32_T g = 0; g <= groups.groupCount - 1; ++g) {
     fitRound(curves, source, stateCount, temperatureC, conc, reference, referenceRow);
-    if (referenceRow[0] > 0.0 || g + 1 == groups.groupCount) return;
+    if (referenceRow[kColNativeIntercept] > 0.0 || g + 1 == groups.groupCount) return;
     conc = groups.uniqueConc[groups.groupCount - (g + 1) - 1];
     reference = firstCurveAt(curves, conc);
   }
@@ -125,12 +129,11 @@ void fallbackScan(const CallCurves& curves, const ScanSource& source, int32_T st
     if (!source.chosen(c)) continue;
     if (source.masked) {
       const int32_T n = curves.gatherKept(c, source.pointMask, fallbackCurveX, fallbackCurveY);
-      fitFamilyWhole(stateCount, fallbackCurveX, fallbackCurveY, n, temperatureC, referenceRow);
+      fitWholeCurve(stateCount, fallbackCurveX, fallbackCurveY, n, temperatureC, referenceRow);
     } else {
       curves.copy(c, fallbackCurveX, fallbackCurveY);
-      fitWithMaskRevision(fallbackCurveX, fallbackCurveY, curves.pointsPerCurve,
-                          static_cast<real_T>(stateCount), temperatureC, referenceRow,
-                          revisedMask);
+      fitWithMaskRevision(fallbackCurveX, fallbackCurveY, curves.pointsPerCurve, stateCount,
+                          temperatureC, referenceRow, revisedMask);
     }
     if (referenceRow[kColRT] > 0.0) return;
   }

@@ -4,7 +4,9 @@
 #include "primary/primary_call.h"
 
 #include "frame/array.h"
+#include "frame/kept_points.h"
 #include "frame/limits.h"
+#include "frame/row_layout.h"
 
 namespace quent {
 namespace {
@@ -37,14 +39,8 @@ void CallCurves::copy(int32_T curve, real_T* x, real_T* y) const {
 int32_T CallCurves::gatherKept(int32_T curve, const VectorView<int32_T>& mask, real_T* x,
                                real_T* y) const {
   const int32_T first = at(curve, 0);
-  int32_T kept = 0;
-  for (int32_T i = 0; i < pointsPerCurve; ++i) {
-    if (mask[first + i] != 1) continue;
-    x[kept] = denaturant[first + i];
-    y[kept] = signal[first + i];
-    ++kept;
-  }
-  return kept;
+  return quent::gatherKept(denaturant.from(first), signal.from(first), mask.from(first),
+                           pointsPerCurve, x, y);
 }
 
 CallCheck checkCall(int32_T pointsPerCurve, const real_T* denaturant,
@@ -82,7 +78,7 @@ void writeCallFailure(int32_T rowCount, int32_T maskCount, RealArray* fitRows,
                       Int32Array* pointMask) {
   const int32_T columns = saturatingMul(kRowColumns, rowCount);
   if (arrayResizeRowFill(fitRows, columns, 0.0))
-    for (int32_T r = 0; r < columns / kRowColumns; ++r) fitRows->data[kRowColumns * r + 12] = kFailed;
+    for (int32_T r = 0; r < columns / kRowColumns; ++r) fitRows->data[kRowColumns * r + kColRT] = kFailed;
   if (pointMask != nullptr) arrayResizeRowFill(pointMask, maskCount, 1);
 }
 

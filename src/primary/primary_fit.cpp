@@ -11,7 +11,7 @@
 #include "primary/finish_primary_fit.h"
 #include "primary/group_scan.h"
 #include "primary/primary_call.h"
-#include "primary/primary_family.h"
+#include "strategies/families.h"
 
 namespace quent {
 namespace {
@@ -28,8 +28,8 @@ void buildPointMasks(const CallCurves& curves, int32_T stateCount, const real_T*
     curves.copy(c, maskCurveX, maskCurveY);
     real_T* row = rows + kRowColumns * c;
     int32_T* curveMask = mask + curves.at(c, 0);
-    withFamilyRules(stateCount, [&]<int T>() {
-      buildCurveMask<T>(maskCurveX, maskCurveY, n, referenceRow, row, curveMask);
+    withFamily(stateCount, [&]<class F>() {
+      buildCurveMask<F::T>(maskCurveX, maskCurveY, n, referenceRow, row, curveMask);
     });
   }
   for (int32_T c = 0; c < curves.curveCount; ++c)
@@ -52,15 +52,14 @@ void primaryFit(int32_T pointsPerCurve, const real_T* denaturant, const int32_T*
   }
   const CallCurves& curves = check.curves;
   const int32_T curveCount = curves.curveCount;
-  const int32_T family = familyStateCount(stateCount);
   ConcentrationGroups groups;
   sortOutConcentrations(curves.sampleConc, curveCount, groups);
 
   real_T referenceRow[kRowColumns];
   const ScanSource firstScan;  // before any mask exists
-  groupScan(curves, groups, firstScan, family, temperatureC, referenceRow);
+  groupScan(curves, groups, firstScan, stateCount, temperatureC, referenceRow);
   if (referenceRow[kColRT] < 0.0)
-    fallbackScan(curves, firstScan, family, temperatureC, referenceRow);
+    fallbackScan(curves, firstScan, stateCount, temperatureC, referenceRow);
   if (referenceRow[kColRT] < 0.0) {
     writeCallFailure(curveCount, saturatingMul(curveCount, pointsPerCurve), fitRows, pointMask);
     return;
@@ -69,12 +68,12 @@ void primaryFit(int32_T pointsPerCurve, const real_T* denaturant, const int32_T*
   if (!arrayResizeRowFill(fitRows, kRowColumns * curveCount, 0.0) ||
       !arrayResizeRowFill(pointMask, curveCount * pointsPerCurve, 1))
     return;
-  buildPointMasks(curves, family, referenceRow, fitRows->data, pointMask->data);
+  buildPointMasks(curves, stateCount, referenceRow, fitRows->data, pointMask->data);
 
   ScanSource masked;
   masked.masked = true;
   masked.pointMask = vectorView(pointMask);
-  finishPrimaryFit(curves, groups, masked, family, temperatureC, fitRows, pointMask);
+  finishPrimaryFit(curves, groups, masked, stateCount, temperatureC, fitRows, pointMask);
 }
 
 }  // namespace quent

@@ -5,6 +5,7 @@
 
 #include <cmath>
 
+#include "frame/kept_points.h"
 #include "frame/limits.h"
 #include "frame/row_layout.h"
 #include "models/curve_models.h"
@@ -12,20 +13,16 @@
 namespace quent {
 namespace {
 
-// Which model a row carries: columns 6-8 all zero for one transition, else
-// columns 9-11 all zero for two, else three.
-int transitionsOfRow(const real_T* row) {
-  if (row[6] == 0.0 && row[7] == 0.0 && row[8] == 0.0) return 1;
-  if (row[9] == 0.0 && row[10] == 0.0 && row[11] == 0.0) return 2;
-  return 3;
-}
-
 template <int T>
 void modelOfRow(const real_T* row, const real_T* x, int32_T n, real_T* fitted) {
   real_T params[TransitionLayout<T>::kParams];
   paramsFromRow<T>(row, 1, params);
   curveModel<T>(params, x, n, fitted);
 }
+
+// The model of a row is read from the row, whatever family fitted it.
+using RowModel = void (*)(const real_T*, const real_T*, int32_T, real_T*);
+constexpr RowModel kRowModels[3] = {modelOfRow<1>, modelOfRow<2>, modelOfRow<3>};
 
 // Population standard deviation: the root of the mean squared deviation.
 real_T populationStdDev(const real_T* v, int32_T n) {
@@ -47,16 +44,10 @@ void reviseMask(const real_T* x, const real_T* y, int32_T n, const real_T* row, 
   if (row[kColRT] == -1.0) return;
 
   real_T xs[kMaxFitPoints], ys[kMaxFitPoints], fitted[kMaxFitPoints];
-  int32_T m = 0;
-  for (int32_T i = 0; i < n; ++i)
-    if (mask[i] == 1) xs[m] = x[i], ys[m] = y[i], ++m;
+  const int32_T m = gatherKept(x, y, mask, n, xs, ys);
 
   const real_T limit = 0.15 * populationStdDev(ys, m);
-  switch (transitionsOfRow(row)) {
-    case 1: modelOfRow<1>(row, xs, m, fitted); break;
-    case 2: modelOfRow<2>(row, xs, m, fitted); break;
-    default: modelOfRow<3>(row, xs, m, fitted); break;
-  }
+  kRowModels[transitionsOfRow(row) - 1](row, xs, m, fitted);
   bool keep[kMaxFitPoints];
   for (int32_T j = 0; j < m; ++j) keep[j] = !(std::fabs(fitted[j] - ys[j]) > limit);
 

@@ -17,14 +17,15 @@ constexpr int kFirstPassSteps = 50;  // 0.999 down to 0.95
 constexpr real_T kFirstPassStart = 0.999;
 constexpr real_T kFirstPassStep = -0.001;
 constexpr real_T kNoBest = -1.1;
+constexpr int32_T kPlateauPoints = 5;
 
 }  // namespace
 
-real_T endChangeRatio(const real_T* y, int32_T n) {
-  const real_T last = meanOfFive(y + (n - 5));
+bool curveChanges(const real_T* y, int32_T n, FlatCurve flat) {
+  const real_T last = meanOfFive(y + (n - kPlateauPoints));
   const real_T first = meanOfFive(y);
-  const real_T s = sampleStdDev(y, n);
-  return std::fabs((first - last) / s);
+  const real_T ratio = std::fabs((first - last) / sampleStdDev(y, n));
+  return flat == FlatCurve::HasNoChange ? ratio >= 1.0 : !(ratio < 1.0);
 }
 
 BestSlot bestSlot(const real_T* scores, int first, int end, int fallback) {
@@ -56,19 +57,19 @@ PairHit pairLadder(const PairRung* rungs, int rungCount, const real_T* nativeSco
       const int s = rungs[r].slot;
       const real_T threshold = t + rungs[r].margin;
       if (nativeScores[s] >= threshold || unfoldedScores[s] >= threshold)
-        return {r, s, nativeScores[s] <= unfoldedScores[s]};
+        return {k, r, s, nativeScores[s] <= unfoldedScores[s]};
     }
   }
-  return {-1, -1, false};
+  return {-1, -1, -1, false};
 }
 
-int firstPassLadder(const int* order, int count, const real_T* scores) {
+FirstPassHit firstPassLadder(const FirstPassRung* rungs, int count, const real_T* scores) {
   for (int k = 0; k < kFirstPassSteps; ++k) {
     const real_T t = static_cast<real_T>(k) * kFirstPassStep + kFirstPassStart;
     for (int j = 0; j < count; ++j)
-      if (scores[order[j]] >= t) return j;
+      if (scores[rungs[j].slot] >= t) return {k, j};
   }
-  return -1;
+  return {-1, -1};
 }
 
 }  // namespace quent

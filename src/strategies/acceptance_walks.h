@@ -10,10 +10,13 @@ namespace quent {
 // An attempt this good is accepted without relaxing anything.
 constexpr real_T kGoodScore = 0.99;
 
-// |(mean of the first five y - mean of the last five) / sample deviation of
-// all y|: how many deviations the two plateaus lie apart (n >= 5).  NaN for a
-// flat curve.
-real_T endChangeRatio(const real_T* y, int32_T n);
+// What a flat curve, whose change ratio is NaN, does at the change test: go
+// on to the attempts (which then fail), or count as a curve without change.
+enum class FlatCurve : unsigned char { GoesOn, HasNoChange };
+
+// Whether the plateaus of the n >= 5 points lie at least one sample deviation
+// of all y apart: |(mean of the first five y - mean of the last five)| / s.
+bool curveChanges(const real_T* y, int32_T n, FlatCurve flat);
 
 // Best of scores[first .. end): from -1.1, a slot is taken only when strictly
 // above the best so far, so the first of equal scores wins; `fallback` when
@@ -34,15 +37,20 @@ int heldTableWalk(const real_T* flags, const real_T* sortedScores, int slots);
 bool bothHeldAccepted(const real_T* sortedScores, int count, bool everyMustPass);
 
 // One rung of the pair ladder: a slot of the two held tables, tested at the
-// step's threshold plus its margin.
+// step's threshold plus its margin, and the codes of a hit in the native and
+// in the unfolded table, in the main pass and in the pass without both end
+// points.
 struct PairRung {
   int slot;
   real_T margin;
+  int mainCodes[2];
+  int trimBothCodes[2];
 };
 // Where the ladder stopped: rung -1 when twenty steps passed without a hit.
 // On a hit the native table's attempt is taken only when it scores strictly
 // above the unfolded table's.
 struct PairHit {
+  int step;
   int rung;
   int slot;
   bool unfolded;
@@ -50,8 +58,16 @@ struct PairHit {
 PairHit pairLadder(const PairRung* rungs, int rungCount, const real_T* nativeScores,
                    const real_T* unfoldedScores);
 
-// The place in `order` of the first slot that reaches the falling threshold of
-// the first-pass ladder, or -1 after fifty steps.
-int firstPassLadder(const int* order, int count, const real_T* scores);
+// One place of the first-pass ladder: a start slot and the code of a hit.
+struct FirstPassRung {
+  int slot;
+  int code;
+};
+// Where the first-pass ladder stopped: place -1 after fifty steps.
+struct FirstPassHit {
+  int step;
+  int place;
+};
+FirstPassHit firstPassLadder(const FirstPassRung* rungs, int count, const real_T* scores);
 
 }  // namespace quent

@@ -1,63 +1,77 @@
-// Stage members of the one-transition family.  A midpoint comes first from the
-// slope peaks of the curve and is then replaced by the mean midpoint of the
-// good starts; the held tables pair each member with its midpoint-held twin.
+// Members of the one-transition family that are its own.  A midpoint comes
+// first from the slope peaks of the curve and is then replaced by the mean
+// midpoint of the good starts.
 #include "strategies/one_transition_family.h"
 
+#include "engine/levenberg_marquardt.h"
 #include "frame/limits.h"
 #include "models/derivative_peaks.h"
-#include "models/params.h"
-#include "strategies/one_transition_attempts.h"
+#include "models/plausibility.h"
+#include "strategies/attempt_runner.h"
+#include "strategies/strategy_skeleton.h"
 
 namespace quent {
 namespace {
 
 using F = OneTransitionFamily;
-using enum Attempt1;
+using L = F::Layout;
 
-constexpr Attempt1 kFreeStarts[4] = {ThreePointFull, ThreePointCore, FlatCore, SegmentCore};
-constexpr Attempt1 kMidpointStarts[4] = {ThreePointFullAt, ThreePointCoreAt, FlatCoreAt,
-                                         SegmentCoreAt};
-// Even slots free the midpoint, odd slots hold it.
-constexpr Attempt1 kNativeHeld[8] = {KeepNative,           KeepNativeAt,
-                                     NativeThreePointCore, NativeThreePointCoreAt,
-                                     NativeFlatCore,       NativeFlatCoreAt,
-                                     NativeSegmentCore,    NativeSegmentCoreAt};
-constexpr Attempt1 kUnfoldedHeld[8] = {KeepUnfolded,           KeepUnfoldedAt,
-                                       UnfoldedThreePointCore, UnfoldedThreePointCoreAt,
-                                       UnfoldedFlatCore,       UnfoldedFlatCoreAt,
-                                       UnfoldedSegmentCore,    UnfoldedSegmentCoreAt};
 constexpr int kRefinedSlot = 8;
+constexpr int kMidpointSlots = 4;  // slots 4 to 7
 
-void run(Attempt1 member, const CurvePoints& c, real_T RT, real_T midpoint, const real_T* native,
-         const real_T* unfolded, real_T* v) {
-  runAttempt1(member, c.x, c.y, c.n, RT, midpoint, native, unfolded, v);
-}
+constexpr real_T startEnergy(StartForm form) { return form == StartForm::Segment ? 10000.0 : 6000.0; }
 
 }  // namespace
 
+bool F::startVector(const Member& m, const CurvePoints& c, const BaselinePairs& b,
+                    const Estimate& e, real_T RT, real_T* start) {
+  // A midpoint exactly at the last x still seeds Cm but is not held there.
+  const real_T xLast = c.x[c.n - 1];
+  const bool takes = m.takes == Takes::Midpoint;
+  const bool seeds = takes && 0.0 < e.midpoint && e.midpoint <= xLast;
+  start[L::dG(0)] = startEnergy(m.form);
+  start[L::Cm(0)] = seeds ? e.midpoint : midX(c.x, c.n);
+  start[L::nativeIntercept] = b.nativeIntercept;
+  start[L::nativeSlope] = b.nativeSlope;
+  start[L::unfoldedIntercept] = b.unfoldedIntercept;
+  start[L::unfoldedSlope] = b.unfoldedSlope;
+  start[L::RT] = RT;
+  return takes && 0.0 < e.midpoint && e.midpoint < xLast;
+}
+
+void F::refineBest(const CurvePoints& c, real_T* vector) {
+  heldFit<OneTransitionModel>(c.x, c.y, c.n, vector, attempts1::holdSlopes, vector);
+  keepIfPlausible<1>(vector, c.x, c.n);
+}
+
+void F::refineRanked(const CurvePoints& c, const real_T* table, real_T* result) {
+  heldFit<OneTransitionModel>(c.x, c.y, c.n, table, attempts1::holdSlopes, result);
+  keepIfPlausible<1>(result, c.x, c.n);
+}
+
 void F::startAttempts(const CurvePoints& c, real_T RT, StartTable& t, Estimate& e) {
-  real_T v[7];
-  for (int s = 0; s < 4; ++s) {
-    run(kFreeStarts[s], c, RT, kFailed, kAbsentPair, kAbsentPair, v);
+  real_T v[L::kParams];
+  for (int s = 0; s < kMidpointSlots; ++s) {
+    runAttempt<F>(kStartSlots[s], c, RT, kNoEstimate, kAbsentPair, kAbsentPair, v);
     t.set(s, v);
   }
   e.midpoint = derivativePeaks1(c.x, c.y, c.n);
-  for (int s = 0; s < 4; ++s) {
+  for (int s = kMidpointSlots; s < 2 * kMidpointSlots; ++s) {
     if (e.midpoint <= 0.0) {
-      t.fail(4 + s);
+      t.fail(s);
       continue;
     }
-    run(kMidpointStarts[s], c, RT, e.midpoint, kAbsentPair, kAbsentPair, v);
-    t.set(4 + s, v);
+    runAttempt<F>(kStartSlots[s], c, RT, e, kAbsentPair, kAbsentPair, v);
+    t.set(s, v);
   }
   strategy::scoreSlots<F>(c, t, 0, kRefinedSlot);
   t.score[kRefinedSlot] = 0.0;
 }
 
 void F::completeStartTable(const CurvePoints& c, real_T, int best, StartTable& t, Estimate&) {
-  real_T v[7];
+  real_T v[L::kParams];
   t.get(best, v);
-  refineBest(c.x, c.y, c.n, v);
+  refineBest(c, v);
   t.set(kRefinedSlot, v);
   t.score[kRefinedSlot] = strategy::scoreSlot<F>(c, t, kRefinedSlot);
 }
@@ -70,7 +84,7 @@ void F::reviseEstimate(const CurvePoints& c, const StartTable& t, Estimate& e) {
   int count = 0;
   for (int s = 0; s < StartTable::kSlots; ++s) {
     if (t.score[s] >= kGoodScore) {
-      sum += t.at(s, p1::Cm);
+      sum += t.at(s, L::Cm(0));
       ++count;
     }
   }
@@ -83,44 +97,17 @@ void F::reviseEstimate(const CurvePoints& c, const StartTable& t, Estimate& e) {
   e.midpoint = midpoint;
 }
 
-void F::bothHeldAttempts(const CurvePoints& c, real_T RT, const HeldBaselines& b,
-                         const Estimate& e, real_T (&v)[2][7]) {
-  run(BothCore, c, RT, e.midpoint, b.native, b.unfolded, v[0]);
-  if (e.midpoint > 0.0) {
-    run(BothCoreAt, c, RT, e.midpoint, b.native, b.unfolded, v[1]);
-  } else {
-    for (real_T& p : v[1]) p = kFailed;
-  }
-}
-
-// Filled also when only the other side's baseline is known: the members then
-// fall back to the curve's own baselines.
-void F::fillHeldTable(Side side, const CurvePoints& c, real_T RT, const HeldBaselines& b,
-                      const Estimate& e, HeldTable& t) {
-  const Attempt1* members = side == Side::Native ? kNativeHeld : kUnfoldedHeld;
-  real_T v[7];
-  for (int s = 0; s < 8; ++s) {
-    if (s % 2 == 1 && !(e.midpoint > 0.0)) {
-      t.fail(s);
-      continue;
-    }
-    run(members[s], c, RT, e.midpoint, b.native, b.unfolded, v);
-    t.set(s, v);
-  }
-  t.fail(kRefinedSlot);
-}
-
 // The refinement starts from the first seven numbers of the ranked table as
 // stored, slot-fastest: the energies of the seven best slots, best first.
 // Odd as a parameter vector, it is judged like any other.
 void F::refineHeldTable(const CurvePoints& c, const int32_T* order, HeldTable& t) {
   HeldTable ranked;
-  real_T v[7];
+  real_T v[L::kParams];
   for (int k = 0; k < HeldTable::kSlots; ++k) {
     t.get(order[k] - 1, v);
     ranked.set(k, v);
   }
-  refineRanked(c.x, c.y, c.n, ranked.value, v);
+  refineRanked(c, ranked.value, v);
   t.set(kRefinedSlot, v);
 }
 

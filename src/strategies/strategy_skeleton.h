@@ -1,32 +1,15 @@
 // The one procedure behind the fit strategies of every transition count: a
 // gate, a table of free start attempts, baselines averaged from the good
 // ones, attempts with those baselines held, and two ladders of falling
-// thresholds.  A family (one_transition_family.h) supplies its attempts,
-// tables and codes as a traits type; where families differ, the trait says
-// how, and the steps below stay one.
-//
-// A family F provides:
-//   T                         transitions of its model (1, 2, 3)
-//   kMinPoints                least number of points a fit takes
-//   StartTable, HeldTable     AttemptTable types of its start and held tables
-//   kHeldScored               held slots scored before ranking; the rest rank at 0.0
-//   kBestWalkEnd              the best-start walk covers start slots [0, kBestWalkEnd)
-//   kBothHeldAttempts         attempts with both baselines held
-//   kBothHeldEvery            those are accepted only if all are good (else the best)
-//   kFlatWhenRatioNaN         a flat curve (NaN change ratio) fails the change test
-//   kTrimsEnds                the masked form retries without end points
-//   kPairRungs, kFirstPassOrder   the two ladders
-//   kCodes[Pass], pairCode, firstPassCode   its exit codes
-//   Estimate                  what it estimates of the transitions (midpoints, amplitudes)
-//   startAttempts             the free attempts, scored as far as the best-start walk reads
-//   completeStartTable        what follows the best start; every start slot scored after it
-//   reviseEstimate            the estimate after the good starts are known
-//   bothHeldAttempts          the attempts with both baselines held
-//   fillHeldTable             a held table, for one side
-//   refineHeldTable           what a ranked held table adds (its refinement slot)
+// thresholds.  A family (family.h) supplies its attempts, tables and codes as
+// a traits type; where families differ, the trait says how, and the steps
+// below stay one.  The entry points are fitWhole, fitMasked and fitTrimmed.
 #pragma once
 
+#include <iterator>
+
 #include "frame/fit_row.h"
+#include "frame/kept_points.h"
 #include "frame/limits.h"
 #include "frame/row_layout.h"
 #include "models/curve_models.h"
@@ -35,58 +18,21 @@
 #include "numerics/sort.h"
 #include "quent_dgtrend.h"
 #include "strategies/acceptance_walks.h"
+#include "strategies/attempt_runner.h"
 #include "strategies/attempt_table.h"
+#include "strategies/family.h"
 
 namespace quent {
-
-// The points a pass fits: a whole curve, or the points a mask leaves on.
-struct CurvePoints {
-  const real_T* x;
-  const real_T* y;
-  int32_T n;
-};
-
-// Baselines averaged over the good start attempts that meet that end of the
-// curve, as (intercept, slope), and how many attempts gave each.  A baseline
-// no attempt gave is (0, 0), which the attempts take as absent.
-struct HeldBaselines {
-  real_T native[2];
-  real_T nativeCount;
-  real_T unfolded[2];
-  real_T unfoldedCount;
-};
-
-enum class Side : unsigned char { Native, Unfolded };
-
-// The main pass fits the curve (or the points its mask leaves on); the
-// masked form may retry without one end point (a short pass that only
-// accepts both baselines held) or without both (a long pass without the
-// first-pass ladder).
-enum class Pass : int { Main, TrimOne, TrimBoth };
-
-// Exit codes of a pass; 0 where the pass has no such exit.  The pair ladder
-// numbers its hits from `pairLadder` and the first-pass ladder from
-// `firstPassLadder` in the families that count them in order.
-struct PassCodes {
-  int badInput;
-  int noChange;
-  int flatX;
-  int noStart;
-  int bothHeld;
-  int nativeHeld;
-  int unfoldedHeld;
-  int pairLadder;
-  int firstPassLadder;
-  int exhausted;
-};
-
 namespace strategy {
 
 template <class F>
-using Vector = real_T[TransitionLayout<F::T>::kParams];
+using Vector = real_T[F::Layout::kParams];
 
 template <class F>
-constexpr int kParamsOf = TransitionLayout<F::T>::kParams;
+constexpr int kParamsOf = F::Layout::kParams;
+
+template <class F>
+constexpr int kBothHeldAttempts = static_cast<int>(std::size(F::kBothHeld));
 
 // The tables of one pass.  Zeroed: a slot not yet filled holds zeros.
 template <class F>
@@ -119,27 +65,13 @@ struct CompactCurve {
 
 inline void compact(const real_T* x, const real_T* y, const int32_T* mask, int32_T n,
                     CompactCurve& out) {
-  out.n = 0;
-  for (int32_T i = 0; i < n && out.n < kMaxFitPoints; ++i) {
-    if (mask[i] == 1) {
-      out.x[out.n] = x[i];
-      out.y[out.n] = y[i];
-      ++out.n;
-    }
-  }
-}
-
-template <class F>
-bool curveChanges(const real_T* y, int32_T n) {
-  const real_T ratio = endChangeRatio(y, n);
-  return F::kFlatWhenRatioNaN ? ratio >= 1.0 : !(ratio < 1.0);
+  out.n = gatherKept(x, y, mask, n, out.x, out.y, kMaxFitPoints);
 }
 
 // Written as the refusal reads, so a NaN temperature is not refused.
 inline bool temperatureInRange(real_T temperature) {
   return !(temperature < 0.0 || temperature > 100.0);
 }
-
 template <class F, class Table>
 real_T scoreSlot(const CurvePoints& c, const Table& t, int s) {
   Vector<F> v;
@@ -179,7 +111,7 @@ void writeFailed(int code, real_T* row) {
 // Means of the baseline pairs over the good slots that meet each end.
 template <class F, class Table>
 HeldBaselines baselinesFromGoodSlots(const Table& t) {
-  using L = TransitionLayout<F::T>;
+  using L = typename F::Layout;
   real_T native[2] = {0.0, 0.0}, unfolded[2] = {0.0, 0.0};
   int nativeCount = 0, unfoldedCount = 0;
   for (int s = 0; s < Table::kSlots; ++s) {
@@ -222,17 +154,49 @@ bool startStage(const CurvePoints& c, real_T RT, Tables<F>& w) {
   return true;
 }
 
+// A member of a held stage with both baselines handed in.  Members that take
+// the family's estimate run only while it is usable there; otherwise their
+// vector is failed.
+template <class F>
+void runHeldMember(typename F::Attempt id, const CurvePoints& c, real_T RT,
+                   const HeldBaselines& b, const typename F::Estimate& e, real_T* v) {
+  if (F::kAttempts[static_cast<int>(id)].takes != Takes::Nothing && !F::heldEstimateUsable(e)) {
+    for (int k = 0; k < kParamsOf<F>; ++k) v[k] = kFailed;
+    return;
+  }
+  runAttempt<F>(id, c, RT, e, b.native, b.unfolded, v);
+}
+
+// A held table, for one side: its members in order, failed slots after them.
+// Filled also when only the other side's baseline is known: the members then
+// fall back to the curve's own baselines.
+template <class F>
+void fillHeldTable(Side side, const CurvePoints& c, real_T RT, const HeldBaselines& b,
+                   const typename F::Estimate& e, typename F::HeldTable& t) {
+  const auto& members = side == Side::Native ? F::kNativeHeld : F::kUnfoldedHeld;
+  constexpr int kMembers = static_cast<int>(std::size(F::kNativeHeld));
+  static_assert(std::size(F::kUnfoldedHeld) == std::size(F::kNativeHeld));
+  Vector<F> v;
+  for (int s = 0; s < kMembers; ++s) {
+    runHeldMember<F>(members[s], c, RT, b, e, v);
+    t.set(s, v);
+  }
+  for (int s = kMembers; s < F::HeldTable::kSlots; ++s) t.fail(s);
+}
+
 // Stage 2: the index of the accepted attempt with both baselines held, or -1.
 template <class F>
 int bothHeldStage(const CurvePoints& c, real_T RT, const Tables<F>& w,
-                  real_T (&v)[F::kBothHeldAttempts][kParamsOf<F>]) {
-  F::bothHeldAttempts(c, RT, w.baselines, w.estimate, v);
-  real_T sorted[F::kBothHeldAttempts];
-  int32_T order[F::kBothHeldAttempts];
-  for (int k = 0; k < F::kBothHeldAttempts; ++k)
+                  real_T (&v)[kBothHeldAttempts<F>][kParamsOf<F>]) {
+  constexpr int kCount = kBothHeldAttempts<F>;
+  real_T sorted[kCount];
+  int32_T order[kCount];
+  for (int k = 0; k < kCount; ++k) {
+    runHeldMember<F>(F::kBothHeld[k], c, RT, w.baselines, w.estimate, v[k]);
     sorted[k] = rSquaredOfFit<F::T>(c.x, c.y, c.n, v[k]);
-  sortDescendingWithOrder(sorted, F::kBothHeldAttempts, order);
-  return bothHeldAccepted(sorted, F::kBothHeldAttempts, F::kBothHeldEvery) ? order[0] - 1 : -1;
+  }
+  sortDescendingWithOrder(sorted, kCount, order);
+  return bothHeldAccepted(sorted, kCount, F::kBothHeldEvery) ? order[0] - 1 : -1;
 }
 
 // Stages 3 and 4 on a filled table: rank its scores in place, let the family
@@ -251,6 +215,13 @@ int heldStage(Side side, const CurvePoints& c, typename F::HeldTable& t) {
   return heldTableWalk(otherEnd, t.score, kSlots);
 }
 
+// The code of a hit of the pair ladder in a pass.
+template <class F>
+int pairLadderCode(Pass pass, const PairHit& hit) {
+  const PairRung& rung = F::kPairRungs[hit.rung];
+  return (pass == Pass::Main ? rung.mainCodes : rung.trimBothCodes)[hit.unfolded ? 1 : 0];
+}
+
 // Stage 5.  Scores are those of the slots as they now stand, in table order;
 // each is a pure function of its vector, so one evaluation serves every step.
 template <class F>
@@ -258,11 +229,11 @@ bool pairLadderStage(Pass pass, const CurvePoints& c, Tables<F>& w, real_T* row)
   constexpr int kSlots = F::HeldTable::kSlots;
   scoreSlots<F>(c, w.nativeHeld, 0, kSlots);
   scoreSlots<F>(c, w.unfoldedHeld, 0, kSlots);
-  constexpr int kRungs = static_cast<int>(sizeof F::kPairRungs / sizeof F::kPairRungs[0]);
+  constexpr int kRungs = static_cast<int>(std::size(F::kPairRungs));
   const PairHit hit = pairLadder(F::kPairRungs, kRungs, w.nativeHeld.score, w.unfoldedHeld.score);
   if (hit.rung < 0) return false;
   writeSlot<F>(c, hit.unfolded ? w.unfoldedHeld : w.nativeHeld, hit.slot,
-               F::pairCode(pass, hit.rung, hit.unfolded), row);
+               pairLadderCode<F>(pass, hit), row);
   return true;
 }
 
@@ -271,13 +242,14 @@ template <class F>
 void firstPassStage(Pass pass, const CurvePoints& c, Tables<F>& w, real_T* row) {
   constexpr int kSlots = F::StartTable::kSlots;
   scoreSlots<F>(c, w.start, 0, kSlots);
-  constexpr int kOrder = static_cast<int>(sizeof F::kFirstPassOrder / sizeof F::kFirstPassOrder[0]);
-  const int place = firstPassLadder(F::kFirstPassOrder, kOrder, w.start.score);
-  if (place < 0) {
+  constexpr int kPlaces = static_cast<int>(std::size(F::kFirstPassRungs));
+  const FirstPassHit hit = firstPassLadder(F::kFirstPassRungs, kPlaces, w.start.score);
+  if (hit.place < 0) {
     writeFailed<F>(F::kCodes[static_cast<int>(pass)].exhausted, row);
     return;
   }
-  writeSlot<F>(c, w.start, F::kFirstPassOrder[place], F::firstPassCode(pass, place), row);
+  const FirstPassRung& rung = F::kFirstPassRungs[hit.place];
+  writeSlot<F>(c, w.start, rung.slot, rung.code, row);
 }
 
 template <class F>
@@ -354,7 +326,7 @@ void runPass(Pass pass, const CurvePoints& c, real_T RT, const MaskedCurve* whol
   }
   const HeldBaselines& b = w.baselines;
   const bool bothKnown = b.nativeCount > 0.0 && b.unfoldedCount > 0.0;
-  real_T bothHeld[F::kBothHeldAttempts][kParamsOf<F>];
+  real_T bothHeld[kBothHeldAttempts<F>][kParamsOf<F>];
 
   if (pass == Pass::TrimOne) {
     const int chosen = bothKnown ? bothHeldStage<F>(c, RT, w, bothHeld) : -1;
@@ -377,7 +349,7 @@ void runPass(Pass pass, const CurvePoints& c, real_T RT, const MaskedCurve* whol
   }
 
   if (b.nativeCount > 0.0 || b.unfoldedCount > 0.0) {
-    F::fillHeldTable(Side::Native, c, RT, b, w.estimate, w.nativeHeld);
+    fillHeldTable<F>(Side::Native, c, RT, b, w.estimate, w.nativeHeld);
     if (b.nativeCount > 0.0) {
       const int s = heldStage<F>(Side::Native, c, w.nativeHeld);
       if (s >= 0) {
@@ -385,7 +357,7 @@ void runPass(Pass pass, const CurvePoints& c, real_T RT, const MaskedCurve* whol
         return;
       }
     }
-    F::fillHeldTable(Side::Unfolded, c, RT, b, w.estimate, w.unfoldedHeld);
+    fillHeldTable<F>(Side::Unfolded, c, RT, b, w.estimate, w.unfoldedHeld);
     if (b.unfoldedCount > 0.0) {
       const int s = heldStage<F>(Side::Unfolded, c, w.unfoldedHeld);
       if (s >= 0) {
@@ -417,7 +389,7 @@ void fitWhole(const real_T* x, int32_T xCount, const real_T* y, int32_T yCount,
     writeFailed<F>(codes.badInput, row);
     return;
   }
-  if (!curveChanges<F>(y, n)) {
+  if (!curveChanges(y, n, F::kFlatCurve)) {
     writeFailed<F>(codes.noChange, row);
     return;
   }
@@ -442,9 +414,7 @@ void fitMasked(const real_T* x, int32_T xCount, const real_T* y, int32_T yCount,
     writeFailed<F>(codes.badInput, row);
     return;
   }
-  int32_T on = 0;
-  for (int32_T i = 0; i < n; ++i) on += mask[i] == 1 ? 1 : 0;
-  if (on < F::kMinPoints) {
+  if (countKept(mask, n) < F::kMinPoints) {
     writeMaskTooShortRow(row);
     return;
   }
@@ -454,7 +424,7 @@ void fitMasked(const real_T* x, int32_T xCount, const real_T* y, int32_T yCount,
     writeFailed<F>(codes.flatX, row);
     return;
   }
-  if (!curveChanges<F>(kept.y, kept.n)) {
+  if (!curveChanges(kept.y, kept.n, F::kFlatCurve)) {
     writeFailed<F>(codes.noChange, row);
     return;
   }
@@ -474,7 +444,7 @@ void fitTrimmed(Pass pass, const real_T* x, int32_T xCount, const real_T* y, int
   n = n < yCount ? n : yCount;
   CompactCurve kept;
   compact(x, y, mask, n, kept);
-  if (!curveChanges<F>(kept.y, kept.n)) {
+  if (!curveChanges(kept.y, kept.n, F::kFlatCurve)) {
     writeFailed<F>(codes.noChange, row);
     return;
   }

@@ -3,7 +3,8 @@
 #include "primary/curve_usable.h"
 #include "primary/fit_with_mask_revision.h"
 #include "primary/group_scan.h"
-#include "strategies/one_transition_strategy.h"
+#include "strategies/one_transition_family.h"
+#include "strategies/strategy_skeleton.h"
 #include "test_support.h"
 
 namespace quent {
@@ -55,19 +56,19 @@ TEST(CurveUsable, Forms) {
     const int32_T m = static_cast<int32_T>(x.size());
     const std::vector<int32_T> ones(m, 1);
     const real_T usable = n == 8 || n == 384 ? 1.0 : 0.0;
-    EXPECT_EQ(curveUsable<1>(x.data(), m, y.data(), m), usable) << n;
-    EXPECT_EQ(curveUsableMasked<1>(x.data(), m, y.data(), m, ones.data(), m), usable) << n;
+    EXPECT_EQ(curveUsable(2, x.data(), m, y.data(), m), usable) << n;
+    EXPECT_EQ(curveUsableMasked(2, x.data(), m, y.data(), m, ones.data(), m), usable) << n;
   }
   Vec x, y;
   transition(40, 3.0, x, y);
   std::vector<int32_T> host(80, 0);  // first row: all kept, second row: none
   for (int32_T i = 0; i < 40; ++i) host[2 * i] = 1;
   const int32_T hostSize[2] = {2, 40};
-  EXPECT_EQ(curveUsableMaskedPair<1>(x.data(), 40, y.data(), 40, host.data(), hostSize), 1.0);
+  EXPECT_EQ(curveUsableMaskedPair(2, x.data(), 40, y.data(), 40, host.data(), hostSize), 1.0);
   for (int32_T i = 0; i < 80; ++i) host[i] = i % 2 == 1 || i < 4;  // first row: two kept
-  EXPECT_EQ(curveUsableMaskedPair<1>(x.data(), 40, y.data(), 40, host.data(), hostSize), 0.0);
-  EXPECT_EQ(curveUsableMasked<1>(x.data(), 40, y.data(), 40, host.data() + 1, 3), 0.0);
-  EXPECT_EQ(curveUsable<1>(x.data(), 40, y.data(), 39), 0.0);
+  EXPECT_EQ(curveUsableMaskedPair(2, x.data(), 40, y.data(), 40, host.data(), hostSize), 0.0);
+  EXPECT_EQ(curveUsableMasked(2, x.data(), 40, y.data(), 40, host.data() + 1, 3), 0.0);
+  EXPECT_EQ(curveUsable(2, x.data(), 40, y.data(), 39), 0.0);
 }
 
 // Native baselines that meet x = 0 below zero (the signal is positive from
@@ -96,8 +97,8 @@ TEST(GroupScan, RoundsAndVariants) {
     const int32_T n = static_cast<int32_T>(x.size());
     std::vector<int32_T> revised(n);
     Vec expected(kRowColumns);
-    if (mask) fitOneTransition(x.data(), n, y.data(), n, 25.0, expected.data());
-    else fitWithMaskRevision(x.data(), y.data(), n, 2.0, 25.0, expected.data(), revised.data());
+    if (mask) strategy::fitWhole<OneTransitionFamily>(x.data(), n, y.data(), n, 25.0, expected.data());
+    else fitWithMaskRevision(x.data(), y.data(), n, 2, 25.0, expected.data(), revised.data());
     return expected;
   };
   real_T row[kRowColumns];

@@ -78,7 +78,7 @@ TEST(FitWithMaskRevision, QuarterOfSpikesAndSinglePoint) {
     real_T row[kRowColumns], cleared[kRowColumns] = {};
     cleared[12] = -1.0;
     std::vector<int32_T> mask(n, 7);
-    fitWithMaskRevision(c.x, c.y, n, 2.0, 25.0, row, mask.data());
+    fitWithMaskRevision(c.x, c.y, n, 2, 25.0, row, mask.data());
     const bool fits = spikes == 0 || spikes == 10;
     EXPECT_EQ(fits ? row[12] > 0.0 : std::equal(row, row + kRowColumns, cleared), true) << spikes;
     if (!fits) { EXPECT_EQ(mask, std::vector<int32_T>(n, 1)) << spikes; }

@@ -2,13 +2,24 @@
 // and at what start, the baselines of the segment form, and the short-curve
 // slopes a segment stretch takes before the first point of a short curve.
 #include "numerics/line_fit.h"
-#include "strategies/one_transition_attempts.h"
+#include "strategies/attempt_runner.h"
+#include "strategies/one_transition_family.h"
 #include "strategies/segment_baselines.h"
 #include "strategies/start_forms.h"
 #include "test_support.h"
 
 namespace quent {
 namespace {
+
+using F = OneTransitionFamily;
+using Attempt1 = F::Attempt;
+
+void runAttempt1(Attempt1 member, const real_T* x, const real_T* y, int32_T n, real_T RT,
+                 real_T midpoint, const real_T nativePair[2], const real_T unfoldedPair[2],
+                 real_T result[7]) {
+  runAttempt<F>(member, {x, y, n}, RT, {midpoint}, nativePair, unfoldedPair, result);
+}
+const char* attempt1Name(Attempt1 member) { return F::kAttempts[static_cast<int>(member)].name; }
 
 struct Points {
   std::vector<real_T> x, y;
@@ -93,16 +104,14 @@ TEST(AttemptEndings, MidpointAtTheLastXRefinementAndRefusal) {
   EXPECT_NE(seeded[0], plain[0]);
 
   real_T v[7] = {5000.0, 3.5, 9.8, -0.05, 2.2, 0.02, kFixedRT};  // slopes and RT stay
-  refineBest(p.x.data(), p.y.data(), 48, v);
+  F::refineBest({p.x.data(), p.y.data(), 48}, v);
   EXPECT_TRUE(v[3] == -0.05 && v[5] == 0.02 && v[6] == kFixedRT && std::fabs(v[1] - 3.6) < 0.01);
 
   // A zigzag no transition explains: every free attempt is refused whole.
   const Points zigzag = line({1.0, 3.0, 1.0, 3.0, 1.0, 3.0, 1.0, 3.0, 1.0, 3.0});
-  using Attempt = void (*)(const real_T*, const real_T*, int32_T, real_T*);
-  for (Attempt a : {attemptThreePointFullFixedRT, attemptThreePointCoreFixedRT,
-                    attemptFlatCoreFixedRT, attemptSegmentCoreFixedRT}) {
+  for (Attempt1 a : F::kUsableAttempts) {
     real_T r[7];
-    a(zigzag.x.data(), zigzag.y.data(), zigzag.n(), r);
+    runFixedRT<F>(a, {zigzag.x.data(), zigzag.y.data(), zigzag.n()}, r);
     for (real_T e : r) EXPECT_EQ(e, -1.0);
   }
 }

@@ -2,13 +2,37 @@
 // exit each curve takes, the parameters recovered, and that every path writes
 // all 24 columns of the row.
 #include "models/r_squared.h"
-#include "strategies/one_transition_strategy.h"
+#include "strategies/one_transition_family.h"
+#include "strategies/strategy_skeleton.h"
 #include "test_support.h"
 
 namespace quent {
 namespace {
 
 constexpr real_T kGarbage = 7.7e77;
+using F = OneTransitionFamily;
+
+void fitOneTransition(const real_T* x, int32_T xCount, const real_T* y, int32_T yCount,
+                      real_T temperature, real_T* row) {
+  strategy::fitWhole<F>(x, xCount, y, yCount, temperature, row);
+}
+void fitOneTransitionMasked(const real_T* x, int32_T xCount, const real_T* y, int32_T yCount,
+                            const int32_T* mask, int32_T maskCount, real_T temperature,
+                            real_T* row, int32_T* maskOut) {
+  strategy::fitMasked<F>(x, xCount, y, yCount, mask, maskCount, temperature, row, maskOut);
+}
+void fitOneTransitionTrimOne(const real_T* x, int32_T xCount, const real_T* y, int32_T yCount,
+                             const int32_T* mask, int32_T maskCount, real_T temperature,
+                             real_T* row, int32_T* maskOut) {
+  strategy::fitTrimmed<F>(Pass::TrimOne, x, xCount, y, yCount, mask, maskCount, temperature, row,
+                          maskOut);
+}
+void fitOneTransitionTrimBoth(const real_T* x, int32_T xCount, const real_T* y, int32_T yCount,
+                              const int32_T* mask, int32_T maskCount, real_T temperature,
+                              real_T* row, int32_T* maskOut) {
+  strategy::fitTrimmed<F>(Pass::TrimBoth, x, xCount, y, yCount, mask, maskCount, temperature,
+                          row, maskOut);
+}
 
 // Uniform pseudo-noise in [-1, 1], the same on every platform.
 real_T noise(int32_T i, unsigned seed) {

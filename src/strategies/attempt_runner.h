@@ -1,0 +1,58 @@
+// The one procedure behind every attempt member of every family: start
+// baselines of the member's form, with the pairs it takes replaced where they
+// are given; a start vector from the family; a held fit under the mask that
+// the member names for its case; then canonical order and plausibility, so
+// that a refused fit comes back as a failed vector.
+#pragma once
+
+#include "engine/levenberg_marquardt.h"
+#include "frame/limits.h"
+#include "models/plausibility.h"
+#include "strategies/attempt_member.h"
+#include "strategies/family.h"
+#include "strategies/start_forms.h"
+
+namespace quent {
+
+// A pair that counts as absent.
+inline constexpr real_T kAbsentPair[2] = {0.0, 0.0};
+
+// Runs member `id` of family F on the points of c (x ascending, n >= 3).  The
+// estimate is read by the members that take one, a pair (intercept, slope)
+// only by the members that take it.
+template <class F>
+void runAttempt(typename F::Attempt id, const CurvePoints& c, real_T RT,
+                const typename F::Estimate& e, const real_T nativePair[2],
+                const real_T unfoldedPair[2], real_T* result) {
+  const auto& m = F::kAttempts[static_cast<int>(id)];
+  const bool nativeGiven = m.native == PairFrom::Given && pairGiven(nativePair);
+  const bool unfoldedGiven = m.unfolded == PairFrom::Given && pairGiven(unfoldedPair);
+
+  // The form's baselines are formed in full even where a given pair replaces
+  // them, so a given pair bypasses their zero guards.
+  BaselinePairs b = startBaselines(m.form, c.x, c.y, c.n);
+  if (nativeGiven) {
+    b.nativeIntercept = nativePair[0];
+    b.nativeSlope = nativePair[1];
+  }
+  if (unfoldedGiven) {
+    b.unfoldedIntercept = unfoldedPair[0];
+    b.unfoldedSlope = unfoldedPair[1];
+  }
+  if (m.form == StartForm::Flat) guardFlatStart(b, nativeGiven, unfoldedGiven, c.y, c.n);
+
+  real_T start[F::Layout::kParams];
+  const bool usable = F::startVector(m, c, b, e, RT, start);
+  heldFit<TransitionModel<F::T>>(c.x, c.y, c.n, start, m.mask[usable][nativeGiven][unfoldedGiven],
+                                 result);
+  keepIfPlausible<F::T>(result, c.x, c.n);
+}
+
+// A member as the test of a usable curve runs it: at 25 degrees, without an
+// estimate or a baseline pair.
+template <class F>
+void runFixedRT(typename F::Attempt id, const CurvePoints& c, real_T* result) {
+  runAttempt<F>(id, c, kFixedRT, F::kNoEstimate, kAbsentPair, kAbsentPair, result);
+}
+
+}  // namespace quent

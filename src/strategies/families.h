@@ -1,0 +1,70 @@
+// The families a host can name, and the one place where its state count
+// becomes a family.  A family answers to its state count once its strategies
+// are in the library, that is once it is listed below; until then its state
+// count, like every value that names no family, is fitted as one transition.
+#pragma once
+
+#include <concepts>
+
+#include "quent_dgtrend.h"
+#include "strategies/one_transition_family.h"
+#include "strategies/three_transition_family.h"
+#include "strategies/two_transition_family.h"
+
+namespace quent {
+
+template <class... Families>
+struct FamilyList {};
+
+// One transition first: it is the family of every state count not listed.
+using RegisteredFamilies = FamilyList<Family<1>>;
+
+// A family whose strategies are in the library.
+template <class F>
+concept FittedFamily = requires(const CurvePoints& c, real_T RT, int32_T* order,
+                                typename F::StartTable& start, typename F::HeldTable& held,
+                                typename F::Estimate& e) {
+  { F::kStateCount } -> std::convertible_to<int32_T>;
+  F::kAttempts[0];
+  F::kUsableAttempts[0];
+  F::kNativeHeld[0];
+  F::kUnfoldedHeld[0];
+  F::kBothHeld[0];
+  F::kPairRungs[0];
+  F::kFirstPassRungs[0];
+  F::kCodes[0];
+  { F::heldEstimateUsable(e) } -> std::same_as<bool>;
+  F::startAttempts(c, RT, start, e);
+  F::completeStartTable(c, RT, 0, start, e);
+  F::reviseEstimate(c, start, e);
+  F::refineHeldTable(c, order, held);
+};
+
+namespace detail {
+
+template <class Default, class Fn>
+decltype(auto) pickFamily(int32_T, Fn& fn, FamilyList<>) {
+  return fn.template operator()<Default>();
+}
+
+template <class Default, class Fn, class Next, class... Rest>
+decltype(auto) pickFamily(int32_T stateCount, Fn& fn, FamilyList<Next, Rest...>) {
+  if (stateCount == Next::kStateCount) return fn.template operator()<Next>();
+  return pickFamily<Default>(stateCount, fn, FamilyList<Rest...>{});
+}
+
+template <class Fn, class Default, class... Others>
+decltype(auto) withFamilyIn(int32_T stateCount, Fn& fn, FamilyList<Default, Others...>) {
+  static_assert((FittedFamily<Default> && ... && FittedFamily<Others>));
+  return pickFamily<Default>(stateCount, fn, FamilyList<Others...>{});
+}
+
+}  // namespace detail
+
+// fn.template operator()<F>() for the family F of a host's state count.
+template <class Fn>
+decltype(auto) withFamily(int32_T stateCount, Fn&& fn) {
+  return detail::withFamilyIn(stateCount, fn, RegisteredFamilies{});
+}
+
+}  // namespace quent
