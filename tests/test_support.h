@@ -53,6 +53,15 @@ inline void expectList(const double* got, std::size_t count, const std::vector<d
   }
 }
 
+// Uniform pseudo-noise in [-1, 1], the same on every platform.
+inline real_T noise(int32_T i, unsigned seed) {
+  unsigned s = static_cast<unsigned>(i + 1) * 2654435761u ^ seed * 40503u;
+  s ^= s >> 13;
+  s *= 0x5bd1e995u;
+  s ^= s >> 15;
+  return static_cast<real_T>(s % 20001u) / 10000.0 - 1.0;
+}
+
 // n points evenly from low to high.
 inline std::vector<real_T> grid(int32_T n, real_T low, real_T high) {
   std::vector<real_T> x(n);

@@ -33,7 +33,7 @@ concept FittedFamily = requires(const CurvePoints& c, real_T RT, int32_T* order,
   F::kPairRungs[0];
   F::kFirstPassRungs[0];
   F::kCodes[0];
-  { F::heldEstimateUsable(e) } -> std::same_as<bool>;
+  { F::estimateUsable(e) } -> std::same_as<bool>;
   F::startAttempts(c, RT, start, e);
   F::completeStartTable(c, RT, 0, start, e);
   F::reviseEstimate(c, start, e);

@@ -26,7 +26,7 @@
 //   kTrimsEnds              the masked form retries without end points
 //   kCodes, kPairRungs, kFirstPassRungs     exit codes and the two ladders
 //   Estimate                what it estimates of the transitions
-//   heldEstimateUsable      whether the held stages run their estimate members
+//   estimateUsable          whether the held stages run the members that take the estimate
 //   startAttempts, completeStartTable, reviseEstimate, refineHeldTable
 //                           the stage members that are its own
 #pragma once

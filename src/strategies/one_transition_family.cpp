@@ -57,7 +57,7 @@ void F::startAttempts(const CurvePoints& c, real_T RT, StartTable& t, Estimate& 
   }
   e.midpoint = derivativePeaks1(c.x, c.y, c.n);
   for (int s = kMidpointSlots; s < 2 * kMidpointSlots; ++s) {
-    if (e.midpoint <= 0.0) {
+    if (!estimateUsable(e)) {
       t.fail(s);
       continue;
     }

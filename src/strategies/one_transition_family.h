@@ -111,8 +111,9 @@ struct Family<1> {
                                                        {6, 30},
                                                        {2, 31}};
 
-  // The held stages run their midpoint members only with a midpoint.
-  static bool heldEstimateUsable(const Estimate& e) { return e.midpoint > 0.0; }
+  // A midpoint estimate is one above 0.0: the start table and the held stages
+  // run their midpoint members only then.
+  static bool estimateUsable(const Estimate& e) { return e.midpoint > 0.0; }
 
   static void startAttempts(const CurvePoints& c, real_T RT, StartTable& t, Estimate& e);
   static void completeStartTable(const CurvePoints& c, real_T RT, int best, StartTable& t,

@@ -160,7 +160,7 @@ bool startStage(const CurvePoints& c, real_T RT, Tables<F>& w) {
 template <class F>
 void runHeldMember(typename F::Attempt id, const CurvePoints& c, real_T RT,
                    const HeldBaselines& b, const typename F::Estimate& e, real_T* v) {
-  if (F::kAttempts[static_cast<int>(id)].takes != Takes::Nothing && !F::heldEstimateUsable(e)) {
+  if (F::kAttempts[static_cast<int>(id)].takes != Takes::Nothing && !F::estimateUsable(e)) {
     for (int k = 0; k < kParamsOf<F>; ++k) v[k] = kFailed;
     return;
   }

@@ -13,13 +13,28 @@ namespace {
 // few parts in 1e5 at worst.  Held entries keep their start exactly.
 constexpr real_T kRecovery = 1e-4;
 
+// A model that counts how often the engine evaluates it.
+int evaluations = 0;
+template <class Model>
+struct Counted {
+  static constexpr int kParams = Model::kParams;
+  static void evaluate(const real_T* p, const real_T* x, int32_T n, real_T* y) {
+    ++evaluations;
+    Model::evaluate(p, x, n, y);
+  }
+};
+
+// Recovers the truth from a nearby start; the number of model evaluations is
+// pinned, so that a change of a stopping rule or a loop limit shows at once.
 template <class Model, int N>
 void expectRecovered(const real_T (&truth)[N], const real_T (&start)[N], int32_T n, real_T high,
-                     const HeldMask<N>& mask) {
+                     const HeldMask<N>& mask, int expectedEvaluations) {
   const auto x = grid(n, 0.0, high);
   const auto y = evaluated(Model::evaluate, truth, x);
   real_T fit[N];
-  heldFit<Model>(x.data(), y.data(), n, start, mask, fit);
+  evaluations = 0;
+  heldFit<Counted<Model>>(x.data(), y.data(), n, start, mask, fit);
+  EXPECT_EQ(evaluations, expectedEvaluations);
   for (int i = 0; i < N; ++i) {
     EXPECT_NEAR(fit[i], truth[i], kRecovery * (std::fabs(truth[i]) + 1.0)) << "entry " << i;
     if (mask.held[i]) { EXPECT_EQ(fit[i], start[i]) << "entry " << i; }
@@ -29,16 +44,35 @@ void expectRecovered(const real_T (&truth)[N], const real_T (&start)[N], int32_T
 TEST(HeldFit, RecoversNoiseFreeCurvesOfEachModel) {
   expectRecovered<OneTransitionModel>({5200.0, 2.6, 10.0, -0.3, 2.0, 0.15, kFixedRT},
                                       {6000.0, 3.0, 9.5, -0.2, 2.3, 0.1, kFixedRT}, 96, 6.0,
-                                      heldMask("0000001"));
+                                      heldMask("0000001"), 43);
   expectRecovered<TwoTransitionModel>({4000.0, 2.0, 9000.0, 5.0, 0.4, 10.0, -0.2, 2.0, 0.1, kFixedRT},
                                       {4300.0, 2.1, 8700.0, 4.9, 0.45, 10.0, -0.2, 2.0, 0.1, kFixedRT},
-                                      120, 8.0, heldMask("0000011111"));
+                                      120, 8.0, heldMask("0000011111"), 31);
   expectRecovered<ThreeTransitionModel>(
       {4000.0, 1.5, 8000.0, 3.5, 12000.0, 6.0, 0.3, 0.4, 10.0, -0.2, 2.0, 0.1, kFixedRT},
       {4100.0, 1.55, 7900.0, 3.45, 12100.0, 6.05, 0.3, 0.4, 10.0, -0.2, 2.0, 0.1, kFixedRT}, 120, 8.0,
-      heldMask("0000001111111"));
+      heldMask("0000001111111"), 29);
   expectRecovered<TwoPeakModel>({2.0, 2.0, 0.5, 1.0, 5.0, 0.8}, {1.8, 2.1, 0.6, 1.1, 4.9, 0.7}, 80, 8.0,
-                                heldMask("000000"));
+                                heldMask("000000"), 36);
+}
+
+// exp(p) against a zero response: every step takes p down by about one and
+// cuts the sum of squares by e^2, so the fit never settles and ends after its
+// two hundred passes: the start, then a Jacobian column and a step each pass.
+struct RecedingModel {
+  static constexpr int kParams = 2;
+  static void evaluate(const real_T* p, const real_T*, int32_T n, real_T* y) {
+    for (int32_T i = 0; i < n; ++i) y[i] = std::exp(p[0]);
+  }
+};
+
+TEST(LmFit, AFitThatNeverSettlesEndsAfterTwoHundredPasses) {
+  const real_T x[3] = {0, 1, 2}, y[3] = {0.0, 0.0, 0.0};
+  real_T block[1] = {0.0}, held[1] = {0.0}, fullVector[2];
+  evaluations = 0;
+  lmFit<Counted<RecedingModel>>(x, y, 3, fullVector, heldMask("01"), held, block, 1);
+  EXPECT_EQ(evaluations, 1 + 200 * 2);
+  EXPECT_NEAR(block[0], -200.0, 2.0);
 }
 
 // A NaN in the response, or a midpoint of 0 that makes the model 0 / 0 at

@@ -58,6 +58,21 @@ TEST(CurveMask, EveryFamily) {
   for (const MaskCase& c : more) buildsCurveMask<2>(c), buildsCurveMask<3>(c);
 }
 
+// Both end pairs far off the curve, yet not spikes (each point has a
+// neighbour as far off): every refit fails while one of them is kept, and each
+// failure clears the next of the first, the last, the second and the
+// second-last point.  The fifth and last round fits the rest.
+TEST(CurveMask, FourEndPointsGoThenTheFifthRoundFits) {
+  test::Curve<1> curve(32);
+  for (int i : {0, 1, 30, 31}) curve.y[i] += 20.0;
+  real_T row[kRowColumns];
+  std::vector<int32_T> mask(32, 7), expected(32, 1);
+  for (int i : {0, 1, 30, 31}) expected[i] = 0;
+  buildCurveMask<1>(curve.x, curve.y, 32, curve.row, row, mask.data());
+  EXPECT_EQ(row[13], 5.0);
+  EXPECT_EQ(mask, expected);
+}
+
 // Too few kept points leave the blank row; a curve the host left out gets
 // the failed rows of codes 34 and 35 in place of its refits, of which only
 // the free one (two and three transitions) shows.  A good held fit of a

@@ -31,6 +31,30 @@ TEST(ScreenSpikes, Cases) {
   }
 }
 
+// The threshold of place i on a curve of n points is a parabola through the
+// spread at both ends and twice the spread midway, over n rounded up to even:
+// (2 - ((i + 1 - h - 0.5) / (h - 0.5))^2) * spread with h half of that.  A
+// step from 0 to 1 makes the spread (2 - 1) * 15 / 100; a point raised by just
+// over its threshold from its plateau is cleared, by just under it is kept.
+// (Places beside an end or the step would take a neighbour along.)
+TEST(ScreenSpikes, ThresholdProfile) {
+  for (const int32_T n : {12, 13}) {
+    const real_T h = (n + n % 2) / 2, spread = 0.15;
+    for (int32_T i : {0, 2, 3, n - 4, n - 3, n - 1}) {
+      const real_T u = (i + 1 - h - 0.5) / (h - 0.5), threshold = (2.0 - u * u) * spread;
+      for (const real_T factor : {1.0 + 1e-7, 1.0 - 1e-7}) {
+        std::vector<real_T> y(n, 0.0);
+        std::fill(y.begin() + n / 2, y.end(), 1.0);
+        y[i] += threshold * factor;
+        std::vector<int32_T> mask(n), expected(n, 1);
+        expected[i] = factor > 1.0 ? 0 : 1;
+        screenSpikes(y.data(), n, mask.data());
+        EXPECT_EQ(mask, expected) << n << " " << i << " " << factor;
+      }
+    }
+  }
+}
+
 // On the row's own noise-free curve only displaced points go.  A point the
 // incoming mask dropped comes back unless its x is shared by a failing point.
 template <int T>
@@ -83,6 +107,20 @@ TEST(FitWithMaskRevision, QuarterOfSpikesAndSinglePoint) {
     EXPECT_EQ(fits ? row[12] > 0.0 : std::equal(row, row + kRowColumns, cleared), true) << spikes;
     if (!fits) { EXPECT_EQ(mask, std::vector<int32_T>(n, 1)) << spikes; }
   }
+}
+
+// A noisy curve whose revised mask keeps changing: the fit of the fifth and
+// last round stands, with its own exit and mask.
+TEST(FitWithMaskRevision, FiveRoundsAtMost) {
+  const real_T truth[7] = {5200.0, 3.6, 10.0, 0.0, 2.0, 0.0, rtFromCelsius(25.0)};
+  const auto x = test::grid(40, 0.0, 8.0);
+  auto y = test::evaluated(curveModel1, truth, x);
+  for (int32_T i = 0; i < 40; ++i) y[i] += 8.0 * 0.08 * test::noise(i, 1);
+  real_T row[kRowColumns];
+  std::vector<int32_T> mask(40, 7);
+  fitWithMaskRevision(x.data(), y.data(), 40, 2, 25.0, row, mask.data());
+  EXPECT_EQ(row[13], 19.0);
+  EXPECT_EQ(std::count(mask.begin(), mask.end(), 0), 5);
 }
 
 }  // namespace

@@ -28,7 +28,11 @@ struct Literals;
 
 template <>
 struct Literals<Family<1>> {
+  static constexpr int32_T kMinPoints = 8;
   static constexpr int kStartSlots = 9, kHeldSlots = 9;
+  // A flat curve goes on to the attempts, and none is acceptable.
+  static constexpr int kFlatCurveCode = 34;
+  static constexpr bool kTrims = true;
   static inline const std::vector<RungLiteral> pairRungs = {
       {7, 0.0, 5, 6, 46, 47},       {6, 0.0, 7, 8, 48, 49},       {8, 0.0, 9, 10, 50, 51},
       {3, -0.0005, 11, 12, 52, 53}, {2, -0.0005, 13, 14, 54, 55}, {5, 0.0, 15, 16, 56, 57},
