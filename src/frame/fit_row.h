@@ -36,6 +36,13 @@ inline void writeMaskTooShortRow(real_T* row) { writeFailedRow<1>(1.0, row); }
 // parameter column, -1 in column 12 and the code in column 13.
 void writeClearedRow(real_T code, real_T* row);
 
+// The blank row of a curve nothing was fitted to yet: cleared, with code 0.
+inline void writeBlankRow(real_T* row) { writeClearedRow(0.0, row); }
+
+// Whether a row carries a fit: RT (column 12) above 0.  Every unsuccessful
+// row holds -1 there.
+inline bool rowHasFit(const real_T* row) { return row[kColRT] > 0.0; }
+
 extern template void writeFitRow<1>(const real_T*, const real_T*, int32_T, const real_T*, real_T, real_T*);
 extern template void writeFitRow<2>(const real_T*, const real_T*, int32_T, const real_T*, real_T, real_T*);
 extern template void writeFitRow<3>(const real_T*, const real_T*, int32_T, const real_T*, real_T, real_T*);

@@ -10,7 +10,6 @@
 #include "frame/kept_points.h"
 #include "frame/limits.h"
 #include "frame/row_layout.h"
-#include "models/end_agreement.h"
 #include "primary/finish_row.h"
 #include "primary/refit_from_row.h"
 #include "primary/revise_mask.h"
@@ -34,8 +33,6 @@ thread_local int32_T heldPassMask[kMaxCurvePoints];
 thread_local int32_T freePassMask[kMaxCurvePoints];
 thread_local real_T keptX[kMaxCurvePoints];
 thread_local real_T keptY[kMaxCurvePoints];
-
-constexpr real_T kZeros[kMaxCurvePoints] = {};
 
 template <int32_T Count>
 void clearFirstKeptEnd(const int32_T (&ends)[Count], int32_T n, int32_T* mask) {
@@ -61,10 +58,10 @@ void refitPass(const real_T* x, const real_T* y, int32_T n, const real_T* refere
     refitMasked<T>(x, y, n, reference, workMask, amplitudesHeld, params);
     const int32_T kept = gatherKept(x, y, workMask, n, keptX, keptY);
     finishRow<T>(keptX, keptY, kept, params, r + codeOffset, candidate);
-    if (candidate[kColRT] <= 0.0) {
+    if (!rowHasFit(candidate)) {
       clearFirstKeptEnd(ends, n, workMask);
     } else {
-      for (int c = 0; c < kRowColumns; ++c) passRow[c] = candidate[c];
+      std::copy_n(candidate, kRowColumns, passRow);
       std::copy_n(workMask, n, passMask);
       std::copy_n(baseMask, n, workMask);
       reviseMask(x, y, n, candidate, workMask);
@@ -73,26 +70,9 @@ void refitPass(const real_T* x, const real_T* y, int32_T n, const real_T* refere
   }
 }
 
-// The plateau check of a pass.  It runs on zeros of the pass's kept count,
-// not on the curve, with each energy over its midpoint and RT at -1: it finds
-// no plateau, so the free pass always runs.  The pick between the passes
-// below was settled with that check and stays with it.
-template <int T>
-real_T zeroCurveAgreement(const real_T* passRow, const int32_T* passMask, int32_T n) {
-  using L = TransitionLayout<T>;
-  const int32_T ones = countKept(passMask, n);
-  real_T params[L::kParams];
-  paramsFromRow<T>(passRow, 1, params);
-  for (int t = 0; t < T; ++t) params[L::dG(t)] = params[L::dG(t)] / params[L::Cm(t)];
-  params[L::RT] = -1.0;
-  real_T flags[2];
-  endAgreement<T>(kZeros, ones, kZeros, ones, params, flags);
-  return flags[0] + flags[1];
-}
-
 void take(const real_T* passRow, const int32_T* passMask, int32_T n, real_T* row,
           int32_T* mask) {
-  for (int c = 0; c < kRowColumns; ++c) row[c] = passRow[c];
+  std::copy_n(passRow, kRowColumns, row);
   std::copy_n(passMask, n, mask);
 }
 
@@ -112,19 +92,17 @@ void buildCurveMask(const real_T* x, const real_T* y, int32_T n, const real_T* r
   if constexpr (T == 1) {
     take(heldPassRow, heldPassMask, n, row, mask);
   } else {
-    if (zeroCurveAgreement<T>(heldPassRow, heldPassMask, n) >= 2.0) {
-      writeClearedRow(0.0, row);  // a failed row over all points
-      return;
-    }
+    // The plateau check that picks between the passes, as the fit was
+    // settled, measures each pass's row on all-zero points: no plateau is
+    // ever found there, so the held pass never ends the curve here, the free
+    // pass always runs, and it stands by its shares alone.
     // Second pass: shares free, codes 6 to 10.
     real_T freePassRow[kRowColumns];
-    writeClearedRow(0.0, freePassRow);
+    writeBlankRow(freePassRow);
     heldPassRow[kColCode] = 12.0;
     for (int32_T i = 0; i < n; ++i) freePassMask[i] = 1;
     refitPass<T>(x, y, n, referenceRow, false, 5, kFreePassEnds, freePassRow, freePassMask);
-    const bool freeStands = zeroCurveAgreement<T>(freePassRow, freePassMask, n) > 1.0 ||
-                            Family<T>::maskFreePassStands(freePassRow, referenceRow);
-    if (freeStands)
+    if (Family<T>::maskFreePassStands(freePassRow, referenceRow))
       take(freePassRow, freePassMask, n, row, mask);
     else
       take(heldPassRow, heldPassMask, n, row, mask);

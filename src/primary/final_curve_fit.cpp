@@ -14,8 +14,8 @@
 namespace quent {
 namespace {
 
-// Rows of a curve the host left out, in place of its two refits.
-constexpr real_T kUnchosenHeldCode = 34.0;
+// The row of a curve the host left out: the failed row of its free refit.
+// That of its held refit (code 34) is never taken, so it never shows.
 constexpr real_T kUnchosenFreeCode = 35.0;
 
 template <int T>
@@ -27,13 +27,7 @@ real_T plateauFlags(const real_T* x, const real_T* y, int32_T n, const real_T* p
 
 template <int T>
 void refitRow(const real_T* x, const real_T* y, int32_T n, const real_T* referenceRow,
-              bool chosen, bool amplitudesHeld, real_T code, real_T unchosenCode,
-              real_T* params, real_T* row) {
-  if (!chosen) {
-    for (int k = 0; k < TransitionLayout<T>::kParams; ++k) params[k] = 0.0;
-    writeFailedRow<T>(unchosenCode, row);
-    return;
-  }
+              bool amplitudesHeld, real_T code, real_T* params, real_T* row) {
   refitFromRow<T>(x, y, n, referenceRow, amplitudesHeld, params);
   writeFitRow<T>(x, y, n, params, code, row);
 }
@@ -46,26 +40,30 @@ template <int T>
 void finalCurveFit(const real_T* x, const real_T* y, int32_T n, const real_T* referenceRow,
                    bool chosen, real_T* row) {
   using F = Family<T>;
-  writeClearedRow(0.0, row);
+  writeBlankRow(row);
   if (n < F::kMinPoints) return;
+  // A curve left out is not fitted.  Its refits' failed rows stand in for
+  // them, and the plateau check on their zero parameters finds nothing.
+  if (!chosen) {
+    if constexpr (T > 1) writeFailedRow<T>(kUnchosenFreeCode, row);
+    return;
+  }
 
   real_T heldParams[TransitionLayout<T>::kParams];
   real_T heldRow[kRowColumns];
-  refitRow<T>(x, y, n, referenceRow, chosen, true, F::kHeldRefitCode, kUnchosenHeldCode,
-              heldParams, heldRow);
+  refitRow<T>(x, y, n, referenceRow, true, F::kHeldRefitCode, heldParams, heldRow);
   if constexpr (T == 1) {
-    if (heldRow[kColRT] > 0.0) copyRow(heldRow, row);
+    if (rowHasFit(heldRow)) copyRow(heldRow, row);
   } else {
     if (plateauFlags<T>(x, y, n, heldParams) > 1.0) {
-      if (heldRow[kColRT] > 0.0) copyRow(heldRow, row);
+      if (rowHasFit(heldRow)) copyRow(heldRow, row);
       return;
     }
     real_T freeParams[TransitionLayout<T>::kParams];
-    refitRow<T>(x, y, n, referenceRow, chosen, false, F::kFreeRefitCode, kUnchosenFreeCode,
-                freeParams, row);
+    refitRow<T>(x, y, n, referenceRow, false, F::kFreeRefitCode, freeParams, row);
     const bool freeStands = plateauFlags<T>(x, y, n, freeParams) > 1.0 &&
                             F::finalSharesClose(row, referenceRow);
-    if (!freeStands && heldRow[kColRT] > 0.0) copyRow(heldRow, row);
+    if (!freeStands && rowHasFit(heldRow)) copyRow(heldRow, row);
   }
 }
 

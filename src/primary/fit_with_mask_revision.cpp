@@ -28,7 +28,7 @@ thread_local int32_T revisedMask[kMaxCurvePoints];
 
 void fitWithMaskRevision(const real_T* x, const real_T* y, int32_T n, int32_T stateCount,
                          real_T temperatureC, real_T* row, int32_T* mask) {
-  writeClearedRow(0.0, row);
+  writeBlankRow(row);
   for (int32_T i = 0; i < n; ++i) mask[i] = 1;
   if (n > kMaxCurvePoints) return;
 
@@ -44,7 +44,7 @@ void fitWithMaskRevision(const real_T* x, const real_T* y, int32_T n, int32_T st
     withFamily(stateCount, [&]<class F>() {
       strategy::fitMasked<F>(x, n, y, n, inputMask, n, temperatureC, candidate, workMask);
     });
-    if (candidate[kColRT] <= 0.0) return;
+    if (!rowHasFit(candidate)) return;
     std::copy_n(candidate, kRowColumns, row);
     std::copy_n(workMask, n, mask);
 

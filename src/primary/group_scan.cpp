@@ -5,6 +5,7 @@
 // the next lower concentration, whose round then overwrites it.
 #include "primary/group_scan.h"
 
+#include "frame/fit_row.h"
 #include "frame/limits.h"
 #include "frame/row_layout.h"
 #include "primary/curve_usable.h"
@@ -84,8 +85,7 @@ int32_T firstCurveAt(const CallCurves& curves, real_T conc) {
 
 void fitRound(const CallCurves& curves, const ScanSource& source, int32_T stateCount,
               real_T temperatureC, real_T conc, int32_T reference, real_T* referenceRow) {
-  real_T usable[kMaxCurves];
-  for (int32_T c = 0; c < curves.curveCount; ++c) usable[c] = 0.0;
+  real_T usable[kMaxCurves] = {};
   for (int32_T c = 0; c < curves.curveCount; ++c)
     if (curves.sampleConc[c] == conc && source.chosen(c))
       usable[c] = usableCurve(curves, source, stateCount, c);
@@ -135,7 +135,7 @@ void fallbackScan(const CallCurves& curves, const ScanSource& source, int32_T st
       fitWithMaskRevision(fallbackCurveX, fallbackCurveY, curves.pointsPerCurve, stateCount,
                           temperatureC, referenceRow, revisedMask);
     }
-    if (referenceRow[kColRT] > 0.0) return;
+    if (rowHasFit(referenceRow)) return;
   }
 }
 

@@ -53,9 +53,9 @@ struct CurvePoints {
 // no attempt gave is (0, 0), which the attempts take as absent.
 struct HeldBaselines {
   real_T native[2];
-  real_T nativeCount;
+  int32_T nativeCount;
   real_T unfolded[2];
-  real_T unfoldedCount;
+  int32_T unfoldedCount;
 };
 
 enum class Side : unsigned char { Native, Unfolded };
@@ -66,7 +66,10 @@ enum class Side : unsigned char { Native, Unfolded };
 // first-pass ladder).
 enum class Pass : int { Main, TrimOne, TrimBoth };
 
-// Exit codes of a pass that name a stage; 0 where the pass has no such exit.
+// Exit codes of a pass that name a stage; kNoExit where the pass has no such
+// exit (a row never carries it).
+constexpr int kNoExit = 0;
+static_assert(kNoExit == 0, "code 0 is the blank row of the primary fit, never a strategy's");
 struct PassCodes {
   int badInput;
   int noChange;

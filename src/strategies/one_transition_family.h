@@ -80,12 +80,14 @@ struct Family<1> {
       Attempt::UnfoldedSegmentCore,    Attempt::UnfoldedSegmentCoreAt};
   static constexpr Attempt kBothHeld[2] = {Attempt::BothCore, Attempt::BothCoreAt};
 
-  //                 bad  no      flat  no     both  native unfolded nothing
-  //                 input change x     start  held  held   held     passed
+  // No start scores below 0.0 (see kBestWalkEnd): codes 33, 37 and 42 name
+  // exits that one transition never takes.
+  //                 bad      no      flat  no     both  native   unfolded nothing
+  //                 input    change  x     start  held  held     held     passed
   static constexpr PassCodes kCodes[3] = {
-      /* Main     */ {1,  32,     32,   33,    2,    3,     4,       34},
-      /* TrimOne  */ {0,  35,     36,   37,    38,   0,     0,       39},
-      /* TrimBoth */ {0,  40,     41,   42,    43,   44,    45,      64}};
+      /* Main     */ {1,       32,    32,   33,    2,    3,       4,       34},
+      /* TrimOne  */ {kNoExit, 35,    36,   37,    38,   kNoExit, kNoExit, 39},
+      /* TrimBoth */ {kNoExit, 40,    41,   42,    43,   44,      45,      64}};
 
   // Midpoint-held fits from segment baselines first, the forms without a
   // midpoint last and hardest.

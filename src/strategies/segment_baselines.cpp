@@ -37,7 +37,7 @@ BaselinePairs segmentBaselines(const real_T* x, const real_T* y, int32_T n) {
   }
 
   int32_T c = 0;
-  for (int32_T w = 0; w < kWidenings && c < 1; ++w) {
+  for (int32_T w = 0; w < kWidenings && c == 0; ++w) {
     const int32_T s = m - w - 4;
     real_T sum = 0.0;
     for (int32_T i = s; i < m; ++i) sum += slope(i);

@@ -6,6 +6,7 @@
 // below stay one.  The entry points are fitWhole, fitMasked and fitTrimmed.
 #pragma once
 
+#include <algorithm>
 #include <iterator>
 
 #include "frame/fit_row.h"
@@ -72,6 +73,7 @@ inline void compact(const real_T* x, const real_T* y, const int32_T* mask, int32
 inline bool temperatureInRange(real_T temperature) {
   return !(temperature < 0.0 || temperature > 100.0);
 }
+
 template <class F, class Table>
 real_T scoreSlot(const CurvePoints& c, const Table& t, int s) {
   Vector<F> v;
@@ -113,7 +115,7 @@ template <class F, class Table>
 HeldBaselines baselinesFromGoodSlots(const Table& t) {
   using L = typename F::Layout;
   real_T native[2] = {0.0, 0.0}, unfolded[2] = {0.0, 0.0};
-  int nativeCount = 0, unfoldedCount = 0;
+  int32_T nativeCount = 0, unfoldedCount = 0;
   for (int s = 0; s < Table::kSlots; ++s) {
     if (!(t.score[s] >= kGoodScore)) continue;
     if (t.nativeFlag[s] > 0.0) {
@@ -127,16 +129,14 @@ HeldBaselines baselinesFromGoodSlots(const Table& t) {
       ++unfoldedCount;
     }
   }
-  HeldBaselines b{{0.0, 0.0}, 0.0, {0.0, 0.0}, 0.0};
+  HeldBaselines b{{0.0, 0.0}, nativeCount, {0.0, 0.0}, unfoldedCount};
   if (nativeCount > 0) {
-    b.nativeCount = static_cast<real_T>(nativeCount);
-    b.native[0] = native[0] / b.nativeCount;
-    b.native[1] = native[1] / b.nativeCount;
+    b.native[0] = native[0] / static_cast<real_T>(nativeCount);
+    b.native[1] = native[1] / static_cast<real_T>(nativeCount);
   }
   if (unfoldedCount > 0) {
-    b.unfoldedCount = static_cast<real_T>(unfoldedCount);
-    b.unfolded[0] = unfolded[0] / b.unfoldedCount;
-    b.unfolded[1] = unfolded[1] / b.unfoldedCount;
+    b.unfolded[0] = unfolded[0] / static_cast<real_T>(unfoldedCount);
+    b.unfolded[1] = unfolded[1] / static_cast<real_T>(unfoldedCount);
   }
   return b;
 }
@@ -291,7 +291,7 @@ bool retryWithoutEnds(Pass pass, const MaskedCurve& m, bool dropFirst, bool drop
   if (dropFirst) trimmed[0] = 0;
   if (dropLast) trimmed[m.n - 1] = 0;
   fitTrimmed<F>(pass, m.x, m.n, m.y, m.n, trimmed, m.n, m.temperature, row, returned);
-  if (!(row[kColRT] > 0.0)) return false;
+  if (!rowHasFit(row)) return false;
   for (int32_T i = 0; i < m.n; ++i) m.maskOut[i] = returned[i];
   return true;
 }
@@ -300,9 +300,9 @@ bool retryWithoutEnds(Pass pass, const MaskedCurve& m, bool dropFirst, bool drop
 // only if the native one is: the held baseline of the far end anchors the fit.
 template <class F>
 bool trimOneEnd(const MaskedCurve& m, const HeldBaselines& b, real_T* row) {
-  if (b.unfoldedCount > 0.0 && m.mask[0] == 1)
+  if (b.unfoldedCount > 0 && m.mask[0] == 1)
     return retryWithoutEnds<F>(Pass::TrimOne, m, true, false, row);
-  if (b.nativeCount > 0.0 && m.mask[m.n - 1] == 1)
+  if (b.nativeCount > 0 && m.mask[m.n - 1] == 1)
     return retryWithoutEnds<F>(Pass::TrimOne, m, false, true, row);
   return false;
 }
@@ -325,7 +325,7 @@ void runPass(Pass pass, const CurvePoints& c, real_T RT, const MaskedCurve* whol
     return;
   }
   const HeldBaselines& b = w.baselines;
-  const bool bothKnown = b.nativeCount > 0.0 && b.unfoldedCount > 0.0;
+  const bool bothKnown = b.nativeCount > 0 && b.unfoldedCount > 0;
   real_T bothHeld[kBothHeldAttempts<F>][kParamsOf<F>];
 
   if (pass == Pass::TrimOne) {
@@ -348,9 +348,9 @@ void runPass(Pass pass, const CurvePoints& c, real_T RT, const MaskedCurve* whol
     if (whole != nullptr && trimOneEnd<F>(*whole, b, row)) return;
   }
 
-  if (b.nativeCount > 0.0 || b.unfoldedCount > 0.0) {
+  if (b.nativeCount > 0 || b.unfoldedCount > 0) {
     fillHeldTable<F>(Side::Native, c, RT, b, w.estimate, w.nativeHeld);
-    if (b.nativeCount > 0.0) {
+    if (b.nativeCount > 0) {
       const int s = heldStage<F>(Side::Native, c, w.nativeHeld);
       if (s >= 0) {
         writeSlot<F>(c, w.nativeHeld, s, codes.nativeHeld, row);
@@ -358,7 +358,7 @@ void runPass(Pass pass, const CurvePoints& c, real_T RT, const MaskedCurve* whol
       }
     }
     fillHeldTable<F>(Side::Unfolded, c, RT, b, w.estimate, w.unfoldedHeld);
-    if (b.unfoldedCount > 0.0) {
+    if (b.unfoldedCount > 0) {
       const int s = heldStage<F>(Side::Unfolded, c, w.unfoldedHeld);
       if (s >= 0) {
         writeSlot<F>(c, w.unfoldedHeld, s, codes.unfoldedHeld, row);
@@ -440,8 +440,7 @@ void fitTrimmed(Pass pass, const real_T* x, int32_T xCount, const real_T* y, int
                 int32_T* maskOut) {
   const PassCodes& codes = F::kCodes[static_cast<int>(pass)];
   for (int32_T i = 0; i < maskCount; ++i) maskOut[i] = mask[i];
-  int32_T n = maskCount < xCount ? maskCount : xCount;
-  n = n < yCount ? n : yCount;
+  const int32_T n = std::min({maskCount, xCount, yCount});
   CompactCurve kept;
   compact(x, y, mask, n, kept);
   if (!curveChanges(kept.y, kept.n, F::kFlatCurve)) {

@@ -10,6 +10,7 @@
 #include "primary/finish_row.h"
 #include "primary/free_energy_trend.h"
 #include "primary/refit_from_row.h"
+#include "strategies/families.h"
 #include "test_support.h"
 
 namespace quent {
@@ -106,6 +107,42 @@ TEST(FinalCurveFit, EveryFamily) {
     finalCurveFit<2>(curve.x, curve.y, 64, curve.row, true, row);
     EXPECT_EQ(row[13], code);
     EXPECT_NEAR(row[8], amp1, 1e-9);
+  }
+}
+
+// Where the free refit of two or three transitions stands on its shares.
+// While masks are built a move of exactly the bound still stands and, with
+// two transitions, so does a NaN share or RT; in the final fit the bound is
+// strict and a NaN never stands.  The shares are compared column by column.
+TEST(ShareRules, BoundsOfTwoAndThreeTransitions) {
+  const auto rows = [](real_T amp1, real_T amp2, real_T RT) {
+    std::vector<real_T> r(kRowColumns, 0.0);
+    r[8] = amp1, r[11] = amp2, r[12] = RT;
+    return r;
+  };
+  using F2 = TwoTransitionFamily;
+  using F3 = ThreeTransitionFamily;
+  const auto zero = rows(0.0, 0.0, 600.0), half = rows(0.5, 0.25, 600.0);
+  const real_T above = std::nextafter(0.1, 1.0), above7 = std::nextafter(0.07, 1.0);
+  const struct { std::vector<real_T> row, reference; bool mask2, final2, mask3, final3; } cases[] = {
+      {rows(0.1, 0.0, 600.0), zero, true, false, false, false},
+      {rows(std::nextafter(0.1, 0.0), 0.0, 600.0), zero, true, true, false, false},
+      {rows(above, 0.0, 600.0), zero, false, false, false, false},
+      {rows(0.07, 0.07, 600.0), zero, true, true, true, false},
+      {rows(0.07, above7, 600.0), zero, true, true, false, false},
+      {rows(0.55, 0.3, 600.0), half, true, true, true, true},
+      {rows(0.45, 0.2, 600.0), half, true, true, true, true},
+      {rows(0.05, 0.05, 0.0), zero, false, true, false, true},
+      {rows(0.05, 0.05, -1.0), zero, false, true, false, true},
+      {rows(0.05, 0.05, NAN), zero, true, true, false, true},
+      {rows(NAN, 0.05, 600.0), zero, true, false, false, false},
+      {rows(0.05, NAN, 600.0), zero, true, true, false, false}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.row[8] << " " << c.row[11] << " " << c.row[12]);
+    EXPECT_EQ(F2::maskFreePassStands(c.row.data(), c.reference.data()), c.mask2);
+    EXPECT_EQ(F2::finalSharesClose(c.row.data(), c.reference.data()), c.final2);
+    EXPECT_EQ(F3::maskFreePassStands(c.row.data(), c.reference.data()), c.mask3);
+    EXPECT_EQ(F3::finalSharesClose(c.row.data(), c.reference.data()), c.final3);
   }
 }
 

@@ -102,6 +102,10 @@ TEST(AttemptEndings, MidpointAtTheLastXRefinementAndRefusal) {
   runAttempt1(Attempt1::KeepNativeAt, p.x.data(), p.y.data(), 48, kFixedRT, -1.0, kNative, kAbsentPair, plain);
   EXPECT_NEAR(seeded[1], 3.6, 0.05);
   EXPECT_NE(seeded[0], plain[0]);
+  // A midpoint of 0.0 is none: it neither seeds nor holds Cm.
+  real_T zero[7];
+  runAttempt1(Attempt1::KeepNativeAt, p.x.data(), p.y.data(), 48, kFixedRT, 0.0, kNative, kAbsentPair, zero);
+  EXPECT_TRUE(zero[0] != -1.0 && std::equal(zero, zero + 7, plain));
 
   real_T v[7] = {5000.0, 3.5, 9.8, -0.05, 2.2, 0.02, kFixedRT};  // slopes and RT stay
   F::refineBest({p.x.data(), p.y.data(), 48}, v);

@@ -57,7 +57,7 @@ bool failed(const real_T* v) { return std::all_of(v, v + 7, [](real_T e) { retur
 TEST(OneTransitionEstimate, MidpointMembersRunOnlyAboveZero) {
   test::Curve<1> c(48);
   const CurvePoints points{c.x, c.y, 48};
-  const HeldBaselines b{{1.0, 0.05}, 3.0, {5.0, 0.1}, 2.0};
+  const HeldBaselines b{{1.0, 0.05}, 3, {5.0, 0.1}, 2};
   for (real_T midpoint : {0.0, 3.0}) {
     SCOPED_TRACE(midpoint);
     const F::Estimate e{midpoint};
