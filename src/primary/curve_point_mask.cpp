@@ -81,13 +81,13 @@ void take(const real_T* passRow, const int32_T* passMask, int32_T n, real_T* row
 template <int T>
 void buildCurveMask(const real_T* x, const real_T* y, int32_T n, const real_T* referenceRow,
                     real_T* row, int32_T* mask) {
-  for (int32_T i = 0; i < n; ++i) mask[i] = 1;
+  std::fill_n(mask, n, 1);
   screenSpikes(y, n, baseMask);
 
   // First pass: shares held (one transition has none to hold).
   real_T heldPassRow[kRowColumns];
   writeClearedRow(11.0, heldPassRow);
-  for (int32_T i = 0; i < n; ++i) heldPassMask[i] = 1;
+  std::fill_n(heldPassMask, n, 1);
   refitPass<T>(x, y, n, referenceRow, true, 0, kHeldPassEnds, heldPassRow, heldPassMask);
   if constexpr (T == 1) {
     take(heldPassRow, heldPassMask, n, row, mask);
@@ -100,7 +100,7 @@ void buildCurveMask(const real_T* x, const real_T* y, int32_T n, const real_T* r
     real_T freePassRow[kRowColumns];
     writeBlankRow(freePassRow);
     heldPassRow[kColCode] = 12.0;
-    for (int32_T i = 0; i < n; ++i) freePassMask[i] = 1;
+    std::fill_n(freePassMask, n, 1);
     refitPass<T>(x, y, n, referenceRow, false, 5, kFreePassEnds, freePassRow, freePassMask);
     if (Family<T>::maskFreePassStands(freePassRow, referenceRow))
       take(freePassRow, freePassMask, n, row, mask);

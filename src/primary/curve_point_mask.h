@@ -16,8 +16,4 @@ template <int T>
 void buildCurveMask(const real_T* x, const real_T* y, int32_T n, const real_T* referenceRow,
                     real_T* row, int32_T* mask);
 
-extern template void buildCurveMask<1>(const real_T*, const real_T*, int32_T, const real_T*, real_T*, int32_T*);
-extern template void buildCurveMask<2>(const real_T*, const real_T*, int32_T, const real_T*, real_T*, int32_T*);
-extern template void buildCurveMask<3>(const real_T*, const real_T*, int32_T, const real_T*, real_T*, int32_T*);
-
 }  // namespace quent

@@ -17,8 +17,4 @@ template <int T>
 void finalCurveFit(const real_T* x, const real_T* y, int32_T n, const real_T* referenceRow,
                    bool chosen, real_T* row);
 
-extern template void finalCurveFit<1>(const real_T*, const real_T*, int32_T, const real_T*, bool, real_T*);
-extern template void finalCurveFit<2>(const real_T*, const real_T*, int32_T, const real_T*, bool, real_T*);
-extern template void finalCurveFit<3>(const real_T*, const real_T*, int32_T, const real_T*, bool, real_T*);
-
 }  // namespace quent

@@ -29,12 +29,11 @@ thread_local int32_T revisedMask[kMaxCurvePoints];
 void fitWithMaskRevision(const real_T* x, const real_T* y, int32_T n, int32_T stateCount,
                          real_T temperatureC, real_T* row, int32_T* mask) {
   writeBlankRow(row);
-  for (int32_T i = 0; i < n; ++i) mask[i] = 1;
+  std::fill_n(mask, n, 1);
   if (n > kMaxCurvePoints) return;
 
   screenSpikes(y, n, spikeMask);
-  int32_T spikes = 0;
-  for (int32_T i = 0; i < n; ++i) spikes += spikeMask[i] == 0 ? 1 : 0;
+  const auto spikes = std::count(spikeMask, spikeMask + n, 0);
   if (static_cast<real_T>(spikes) / static_cast<real_T>(n) * 100.0 > kMaxSpikePercent) return;
 
   std::copy_n(spikeMask, n, workMask);

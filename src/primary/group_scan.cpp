@@ -89,17 +89,18 @@ void fitRound(const CallCurves& curves, const ScanSource& source, int32_T stateC
   for (int32_T c = 0; c < curves.curveCount; ++c)
     if (curves.sampleConc[c] == conc && source.chosen(c))
       usable[c] = usableCurve(curves, source, stateCount, c);
-  int32_T count = meanCurve(curves, source, reference, usable);
+  const int32_T count = meanCurve(curves, source, reference, usable);
+  const int32_T fewest = withFamily(stateCount, []<class F>() { return F::kMinPoints; });
   if (source.masked) {
-    const int32_T fewest = withFamily(stateCount, []<class F>() { return F::kMinPoints; });
     if (count >= fewest) fitWholeCurve(stateCount, meanX, meanY, count, temperatureC, referenceRow);
     return;
   }
-  // An empty round still fits: the single point (0, 0), which fails.
-  if (count == 0) {
-    meanX[0] = 0.0;
-    meanY[0] = 0.0;
-    count = 1;
+  // A round of fewer points than a fit takes, down to an empty one (which
+  // fits the single point (0, 0)), fails at the strategy's gate: its row is
+  // the blank row of a revision fit that found nothing.
+  if (count < fewest) {
+    writeBlankRow(referenceRow);
+    return;
   }
   fitWithMaskRevision(meanX, meanY, count, stateCount, temperatureC, referenceRow, revisedMask);
 }

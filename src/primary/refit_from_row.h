@@ -22,11 +22,4 @@ template <int T>
 void refitMasked(const real_T* x, const real_T* y, int32_T n, const real_T* row,
                  const int32_T* mask, bool amplitudesHeld, real_T* params);
 
-extern template void refitFromRow<1>(const real_T*, const real_T*, int32_T, const real_T*, bool, real_T*);
-extern template void refitFromRow<2>(const real_T*, const real_T*, int32_T, const real_T*, bool, real_T*);
-extern template void refitFromRow<3>(const real_T*, const real_T*, int32_T, const real_T*, bool, real_T*);
-extern template void refitMasked<1>(const real_T*, const real_T*, int32_T, const real_T*, const int32_T*, bool, real_T*);
-extern template void refitMasked<2>(const real_T*, const real_T*, int32_T, const real_T*, const int32_T*, bool, real_T*);
-extern template void refitMasked<3>(const real_T*, const real_T*, int32_T, const real_T*, const int32_T*, bool, real_T*);
-
 }  // namespace quent

@@ -4,6 +4,7 @@
 // it brings.
 #include "primary/screen_spikes.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "frame/limits.h"
@@ -35,7 +36,7 @@ struct SpikeThresholds {
 }  // namespace
 
 void screenSpikes(const real_T* y, int32_T n, int32_T* mask) {
-  for (int32_T i = 0; i < n; ++i) mask[i] = 1;
+  std::fill_n(mask, n, 1);
   if (n < 5 || n > kMaxCurvePoints) return;
 
   for (int32_T i = 0; i < n; ++i) sorted[i] = y[i] + 1.0;

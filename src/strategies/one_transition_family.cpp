@@ -27,8 +27,8 @@ bool F::startVector(const Member& m, const CurvePoints& c, const BaselinePairs& 
                     const Estimate& e, real_T RT, real_T* start) {
   // A midpoint exactly at the last x still seeds Cm but is not held there.
   const real_T xLast = c.x[c.n - 1];
-  const bool takes = m.takes == Takes::Midpoint;
-  const bool seeds = takes && 0.0 < e.midpoint && e.midpoint <= xLast;
+  const bool given = m.takes == Takes::Midpoint && 0.0 < e.midpoint;
+  const bool seeds = given && e.midpoint <= xLast;
   start[L::dG(0)] = startEnergy(m.form);
   start[L::Cm(0)] = seeds ? e.midpoint : midX(c.x, c.n);
   start[L::nativeIntercept] = b.nativeIntercept;
@@ -36,7 +36,7 @@ bool F::startVector(const Member& m, const CurvePoints& c, const BaselinePairs& 
   start[L::unfoldedIntercept] = b.unfoldedIntercept;
   start[L::unfoldedSlope] = b.unfoldedSlope;
   start[L::RT] = RT;
-  return takes && 0.0 < e.midpoint && e.midpoint < xLast;
+  return given && e.midpoint < xLast;
 }
 
 void F::refineBest(const CurvePoints& c, real_T* vector) {
@@ -101,7 +101,7 @@ void F::reviseEstimate(const CurvePoints& c, const StartTable& t, Estimate& e) {
 // stored, slot-fastest: the energies of the seven best slots, best first.
 // Odd as a parameter vector, it is judged like any other.
 void F::refineHeldTable(const CurvePoints& c, const int32_T* order, HeldTable& t) {
-  HeldTable ranked;
+  HeldTable ranked{};
   real_T v[L::kParams];
   for (int k = 0; k < HeldTable::kSlots; ++k) {
     t.get(order[k] - 1, v);

@@ -38,6 +38,7 @@ constexpr int kBothHeldAttempts = static_cast<int>(std::size(F::kBothHeld));
 // The tables of one pass.  Zeroed: a slot not yet filled holds zeros.
 template <class F>
 struct Tables {
+  static_assert(F::StartTable::kParams == kParamsOf<F> && F::HeldTable::kParams == kParamsOf<F>);
   typename F::StartTable start;
   typename F::HeldTable nativeHeld;
   typename F::HeldTable unfoldedHeld;
@@ -276,7 +277,7 @@ bool dropEndAndRefit(const MaskedCurve& m, real_T* row) {
   }
   m.maskOut[end] = 0;
   int32_T next[kMaxFitPoints];
-  for (int32_T i = 0; i < m.n; ++i) next[i] = m.maskOut[i];
+  std::copy_n(m.maskOut, m.n, next);
   fitMasked<F>(m.x, m.n, m.y, m.n, next, m.n, m.temperature, row, m.maskOut);
   return true;
 }
@@ -287,12 +288,12 @@ template <class F>
 bool retryWithoutEnds(Pass pass, const MaskedCurve& m, bool dropFirst, bool dropLast,
                       real_T* row) {
   int32_T trimmed[kMaxFitPoints], returned[kMaxFitPoints];
-  for (int32_T i = 0; i < m.n; ++i) trimmed[i] = m.mask[i];
+  std::copy_n(m.mask, m.n, trimmed);
   if (dropFirst) trimmed[0] = 0;
   if (dropLast) trimmed[m.n - 1] = 0;
   fitTrimmed<F>(pass, m.x, m.n, m.y, m.n, trimmed, m.n, m.temperature, row, returned);
   if (!rowHasFit(row)) return false;
-  for (int32_T i = 0; i < m.n; ++i) m.maskOut[i] = returned[i];
+  std::copy_n(returned, m.n, m.maskOut);
   return true;
 }
 
@@ -407,7 +408,7 @@ void fitMasked(const real_T* x, int32_T xCount, const real_T* y, int32_T yCount,
                const int32_T* mask, int32_T maskCount, real_T temperature, real_T* row,
                int32_T* maskOut) {
   const PassCodes& codes = F::kCodes[static_cast<int>(Pass::Main)];
-  for (int32_T i = 0; i < maskCount; ++i) maskOut[i] = mask[i];
+  std::copy_n(mask, maskCount, maskOut);
   const int32_T n = xCount;
   if (xCount != yCount || xCount != maskCount || n < F::kMinPoints || n > kMaxFitPoints ||
       !temperatureInRange(temperature)) {
@@ -439,7 +440,7 @@ void fitTrimmed(Pass pass, const real_T* x, int32_T xCount, const real_T* y, int
                 const int32_T* mask, int32_T maskCount, real_T temperature, real_T* row,
                 int32_T* maskOut) {
   const PassCodes& codes = F::kCodes[static_cast<int>(pass)];
-  for (int32_T i = 0; i < maskCount; ++i) maskOut[i] = mask[i];
+  std::copy_n(mask, maskCount, maskOut);
   const int32_T n = std::min({maskCount, xCount, yCount});
   CompactCurve kept;
   compact(x, y, mask, n, kept);

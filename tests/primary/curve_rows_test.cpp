@@ -7,6 +7,7 @@
 #include "primary/acceptance_gates.h"
 #include "primary/curve_point_mask.h"
 #include "primary/final_curve_fit.h"
+#include "primary/fit_statistics.h"
 #include "primary/finish_row.h"
 #include "primary/free_energy_trend.h"
 #include "primary/refit_from_row.h"
@@ -71,6 +72,21 @@ TEST(CurveMask, FourEndPointsGoThenTheFifthRoundFits) {
   for (int i : {0, 1, 30, 31}) expected[i] = 0;
   buildCurveMask<1>(curve.x, curve.y, 32, curve.row, row, mask.data());
   EXPECT_EQ(row[13], 5.0);
+  EXPECT_EQ(mask, expected);
+}
+
+// A spike at the second-last point is screened out, which keeps the last
+// point, though far off: its refits fail.  The free pass clears the first
+// point, then the last, and fits on the third round (code 3 + 5); its shares
+// are the reference's, so it stands.
+TEST(CurveMask, FreePassClearsTheFirstThenTheLastPoint) {
+  test::Curve<2> curve(64);
+  curve.y[62] += 6.0, curve.y[63] -= 3.0;
+  real_T row[kRowColumns];
+  std::vector<int32_T> mask(64, 7), expected(64, 1);
+  for (int i : {0, 62, 63}) expected[i] = 0;
+  buildCurveMask<2>(curve.x, curve.y, 64, curve.row, row, mask.data());
+  EXPECT_EQ(row[13], 8.0);
   EXPECT_EQ(mask, expected);
 }
 
@@ -240,14 +256,29 @@ void refitsAndFinishes() {
 TEST(Refit, EachFamily) { refitsAndFinishes<1>(), refitsAndFinishes<2>(), refitsAndFinishes<3>(); }
 
 // Alternating noise of 0.7 leaves a plausible fit with R squared below 0.95.
+// (R squared 0.9516 with 0.45, 0.9409 with 0.5.)
 TEST(Refit, BelowTheScoreLimit) {
-  for (real_T noise : {0.2, 0.7}) {
+  for (real_T noise : {0.45, 0.5}) {
     test::Curve<1> c(64);
     for (int i = 0; i < 64; ++i) c.y[i] += i % 2 ? noise : -noise;
     real_T fit[7];
     refitFromRow<1>(c.x, c.y, 64, c.row, false, fit);
-    EXPECT_EQ(std::count(fit, fit + 7, -1.0), noise > 0.5 ? 7 : 0) << noise;
+    EXPECT_EQ(std::count(fit, fit + 7, -1.0), noise > 0.46 ? 7 : 0) << noise;
   }
+}
+
+// Every row of a curve is measured again on its kept points, failed rows too:
+// a failed one-transition row has no fraction error (-1), and the columns of
+// transitions the family lacks stay exactly +0.
+TEST(FitStatistics, FailedRowsAreMeasuredToo) {
+  test::Curve<1> c(40);
+  real_T row[kRowColumns];
+  writeFailedRow<1>(34.0, row);
+  row[4] = 5000.0;
+  refreshFitStatistics(2, c.x, c.y, 40, row);
+  EXPECT_EQ(row[14], -1.0);
+  EXPECT_EQ(row[15], -5000.0);
+  for (int k : {16, 17}) EXPECT_TRUE(test::sameBits(row[k], 0.0)) << k;
 }
 
 }  // namespace

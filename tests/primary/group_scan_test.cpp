@@ -135,5 +135,36 @@ TEST(GroupScan, RoundsAndVariants) {
   EXPECT_EQ(Vec(row, row + kRowColumns), Vec(kRowColumns, 0.0));
 }
 
+// A round fits once its mean curve has the least number of points of the
+// family, eight, and the scan stops at the first fit whose native baseline
+// meets x = 0 above zero, however little (0.00052 here).
+TEST(GroupScan, EightPointsFitAndATinyInterceptStops) {
+  // One curve a concentration, the first the highest; native baseline a.
+  const auto scanOf = [](int32_T n, real_T a, const Vec& Cm, real_T* row) {
+    Vec den, sig, conc;
+    for (std::size_t c = 0; c < Cm.size(); ++c)
+      transition(n, Cm[c], den, sig, a), conc.push_back(2.0 - static_cast<real_T>(c));
+    const int32_T curves = static_cast<int32_T>(Cm.size());
+    const CallCurves call{view(den), view(sig), view(conc), n, curves};
+    ConcentrationGroups groups;
+    sortOutConcentrations(call.sampleConc, curves, groups);
+    groupScan(call, groups, ScanSource{}, 2, 25.0, row);
+    return Vec(row, row + kRowColumns);
+  };
+  const auto fitOf = [](int32_T n, real_T a, real_T Cm) {
+    Vec x, y, row(kRowColumns);
+    transition(n, Cm, x, y, a);
+    std::vector<int32_T> mask(n);
+    fitWithMaskRevision(x.data(), y.data(), n, 2, 25.0, row.data(), mask.data());
+    return row;
+  };
+  real_T row[kRowColumns];
+  const Vec eight = fitOf(8, 10.0, 3.0);
+  EXPECT_TRUE(eight[12] > 0.0 && scanOf(8, 10.0, {3.0}, row) == eight);
+  const Vec tiny = fitOf(40, 0.0004, 2.5);
+  EXPECT_TRUE(tiny[0] > 0.0 && tiny[0] < 0.001) << tiny[0];
+  EXPECT_EQ(scanOf(40, 0.0004, {2.5, 3.0}, row), tiny);
+}
+
 }  // namespace
 }  // namespace quent

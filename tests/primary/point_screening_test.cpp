@@ -62,10 +62,10 @@ void revisesUnderTheModelOfTheRow() {
   test::Curve<T> c(60);
   c.x[21] = c.x[20];
   curveModel<T>(c.p, c.x, 60, c.y);
-  for (int i : {2, 21, 40}) c.y[i] += 1.0;
+  for (int i : {0, 2, 21, 40}) c.y[i] += 1.0;
   std::vector<int32_T> mask(60, 1), expected(60, 1);
   for (int i : {2, 10, 20}) mask[i] = 0;
-  for (int i : {20, 21, 40}) expected[i] = 0;
+  for (int i : {0, 20, 21, 40}) expected[i] = 0;
   reviseMask(c.x, c.y, 60, c.row, mask.data());
   EXPECT_EQ(mask, expected) << T;
   c.row[12] = -1.0;  // a failed row changes nothing

@@ -88,6 +88,8 @@ TEST(PrimaryFitEntry, RefusedAndFailedCalls) {
       {"97 concentrations for 4 curves", 8, {1, 32}, {1, 32}, {1, 97}, 4, 32},
       {"2305 points", 2305, {1, 2305}, {1, 2305}, {1, 1}, 1, 2305},
       {"no points per curve", 0, {1, 40}, {1, 40}, {1, 4}, 4, 40},
+      {"one point per curve, disagreeing", 1, {1, 5}, {1, 5}, {1, 3}, 5, 5},
+      {"2304 points, disagreeing", 2304, {1, 2304}, {1, 2304}, {1, 2}, 1, 2304},
       {"negative points per curve", -8, {1, 40}, {1, 40}, {1, 4}, 4, 40},
       {"last curve short (9.5 curves round to 10)", 10, {1, 95}, {1, 95}, {1, 10}, 10, 95},
       {"more elements than int32_T counts", 8, {65536, 65536}, {1, 16}, {1, 2}, 2, 65536},

@@ -102,10 +102,20 @@ TEST(AttemptEndings, MidpointAtTheLastXRefinementAndRefusal) {
   runAttempt1(Attempt1::KeepNativeAt, p.x.data(), p.y.data(), 48, kFixedRT, -1.0, kNative, kAbsentPair, plain);
   EXPECT_NEAR(seeded[1], 3.6, 0.05);
   EXPECT_NE(seeded[0], plain[0]);
-  // A midpoint of 0.0 is none: it neither seeds nor holds Cm.
-  real_T zero[7];
+  // A midpoint of 0.0 is none: it neither seeds nor holds Cm.  Any midpoint
+  // above it is held, 0.0005 where no fit can stand.
+  real_T zero[7], tiny[7];
   runAttempt1(Attempt1::KeepNativeAt, p.x.data(), p.y.data(), 48, kFixedRT, 0.0, kNative, kAbsentPair, zero);
   EXPECT_TRUE(zero[0] != -1.0 && std::equal(zero, zero + 7, plain));
+  runAttempt1(Attempt1::KeepNativeAt, p.x.data(), p.y.data(), 48, kFixedRT, 0.0005, kNative, kAbsentPair, tiny);
+  EXPECT_EQ(std::count(tiny, tiny + 7, -1.0), 7);
+  // The absent pair is one: without its native pair the member keeps the
+  // unfolded end at the curve's three-point line.
+  real_T absent[7], cancelling[7];
+  const real_T cancels[2] = {0.5, -0.5};
+  runAttempt1(Attempt1::KeepNative, p.x.data(), p.y.data(), 48, kFixedRT, -1.0, kAbsentPair, kAbsentPair, absent);
+  runAttempt1(Attempt1::KeepNative, p.x.data(), p.y.data(), 48, kFixedRT, -1.0, cancels, kAbsentPair, cancelling);
+  EXPECT_TRUE(absent[0] != -1.0 && std::equal(absent, absent + 7, cancelling));
 
   real_T v[7] = {5000.0, 3.5, 9.8, -0.05, 2.2, 0.02, kFixedRT};  // slopes and RT stay
   F::refineBest({p.x.data(), p.y.data(), 48}, v);

@@ -101,5 +101,31 @@ TEST(OneTransitionEstimate, StartTableTakesTheSlopePeak) {
   }
 }
 
+// A ranked held table is refined from its first seven numbers as stored:
+// the energies of its seven best slots, best first, whatever their other
+// entries.  The refinement lands in slot 8.  (With noise, where a fit stops
+// depends on where it started.)
+TEST(OneTransitionEstimate, RankedTableRefinedFromTheBestEnergies) {
+  test::Curve<1> c(48);
+  for (int i = 0; i < 48; ++i) c.y[i] += 0.05 * test::noise(i, 3);
+  const CurvePoints points{c.x, c.y, 48};
+  // The energies are chosen so that, read in rank order, they make a vector
+  // near the curve's own.
+  const real_T start[7] = {5800.0, 3.1, 1.02, 0.05, 4.95, 0.1, kFixedRT};
+  const int32_T order[9] = {3, 9, 1, 7, 5, 2, 8, 4, 6};  // 1-based slots, best first
+  F::HeldTable t{};
+  for (int s = 0; s < 9; ++s) {
+    const real_T v[7] = {-2.0, 3.5, 1.0, 0.05, 5.0, 0.1, kFixedRT};
+    t.set(s, v);
+  }
+  for (int k = 0; k < 7; ++k) t.value[order[k] - 1] = start[k];  // entry 0 of each slot
+  F::refineHeldTable(points, order, t);
+  real_T expected[7], refined[7];
+  F::refineRanked(points, start, expected);
+  t.get(8, refined);
+  EXPECT_NEAR(refined[0], 6000.0, 100.0);
+  EXPECT_TRUE(std::equal(refined, refined + 7, expected));
+}
+
 }  // namespace
 }  // namespace quent

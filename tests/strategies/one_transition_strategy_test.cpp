@@ -134,6 +134,17 @@ TEST(FitOneTransitionMasked, TrimsDropEndPointsAndMeasureOnThePointsKept) {
   EXPECT_EQ(maskOut, expected);
   EXPECT_NEAR(two.v[5], 3.6, 0.001 * 3.6);
   EXPECT_EQ(two.v[14], rSquaredOfFit1(both.x.data() + 1, both.y.data() + 1, 94, two.params().data()));
+
+  // The double trim needs only one of the curve's end points on: here the
+  // host left out the first and the second-last, and the last is off.
+  Curve lastOff = synthetic(48, 5200.0, 3.6);
+  lastOff.y[47] -= 4.5;
+  std::vector<int32_T> mask(48, 1);
+  mask[0] = mask[46] = 0;
+  const Row three = fitMasked(Pass::Main, lastOff, mask);
+  expectExit(three, 43.0);
+  mask[47] = 0;
+  EXPECT_EQ(maskOut, mask);
 }
 
 }  // namespace
