@@ -2,6 +2,8 @@
 // order: what every masked fit, test and revision works on.
 #pragma once
 
+#include <algorithm>
+
 #include "quent_dgtrend.h"
 
 namespace quent {
@@ -20,6 +22,11 @@ int32_T gatherKept(const X& x, const Y& y, const Mask& mask, int32_T n, real_T* 
     ++kept;
   }
   return kept;
+}
+
+// Whether two masks of n points agree entry by entry.
+inline bool sameMask(const int32_T* a, const int32_T* b, int32_T n) {
+  return std::equal(a, a + n, b);
 }
 
 // How many of the first n points a mask keeps.

@@ -3,6 +3,8 @@
 // runs, so that count stays as it is: at worst one empty round at the end.
 #include "primary/concentration_groups.h"
 
+#include <algorithm>
+
 #include "numerics/extremes.h"
 #include "numerics/sort.h"
 
@@ -25,7 +27,7 @@ void sortOutConcentrations(const VectorView<real_T>& sampleConc, int32_T curveCo
   groups.groupCount = count;
 
   real_T* unique = groups.uniqueConc;
-  for (int32_T g = 0; g < count; ++g) unique[g] = 0.0;
+  std::fill_n(unique, count, 0.0);
   unique[0] = sampleConc[0];
   int32_T filled = 1;
   for (int32_T i = 1; i < n; ++i)

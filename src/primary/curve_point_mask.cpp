@@ -66,7 +66,7 @@ void refitPass(const real_T* x, const real_T* y, int32_T n, const real_T* refere
       std::copy_n(baseMask, n, workMask);
       reviseMask(x, y, n, candidate, workMask);
     }
-    if (std::equal(workMask, workMask + n, passMask)) return;
+    if (sameMask(workMask, passMask, n)) return;
   }
 }
 

@@ -18,11 +18,13 @@ namespace {
 // That of its held refit (code 34) is never taken, so it never shows.
 constexpr real_T kUnchosenFreeCode = 35.0;
 
+// Whether a fit reaches the plateaus at both ends: the sum of the two end
+// agreements above 1.0, each being 1.0 or 0.0.
 template <int T>
-real_T plateauFlags(const real_T* x, const real_T* y, int32_T n, const real_T* params) {
+bool reachesBothPlateaus(const real_T* x, const real_T* y, int32_T n, const real_T* params) {
   real_T flags[2];
   endAgreement<T>(x, n, y, n, params, flags);
-  return flags[0] + flags[1];
+  return flags[0] == 1.0 && flags[1] == 1.0;
 }
 
 template <int T>
@@ -55,13 +57,13 @@ void finalCurveFit(const real_T* x, const real_T* y, int32_T n, const real_T* re
   if constexpr (T == 1) {
     if (rowHasFit(heldRow)) copyRow(heldRow, row);
   } else {
-    if (plateauFlags<T>(x, y, n, heldParams) > 1.0) {
+    if (reachesBothPlateaus<T>(x, y, n, heldParams)) {
       if (rowHasFit(heldRow)) copyRow(heldRow, row);
       return;
     }
     real_T freeParams[TransitionLayout<T>::kParams];
     refitRow<T>(x, y, n, referenceRow, false, F::kFreeRefitCode, freeParams, row);
-    const bool freeStands = plateauFlags<T>(x, y, n, freeParams) > 1.0 &&
+    const bool freeStands = reachesBothPlateaus<T>(x, y, n, freeParams) &&
                             F::finalSharesClose(row, referenceRow);
     if (!freeStands && rowHasFit(heldRow)) copyRow(heldRow, row);
   }

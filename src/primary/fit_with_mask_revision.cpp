@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "frame/fit_row.h"
+#include "frame/kept_points.h"
 #include "frame/limits.h"
 #include "primary/revise_mask.h"
 #include "primary/screen_spikes.h"
@@ -49,7 +50,7 @@ void fitWithMaskRevision(const real_T* x, const real_T* y, int32_T n, int32_T st
 
     std::copy_n(spikeMask, n, revisedMask);
     reviseMask(x, y, n, candidate, revisedMask);
-    if (std::equal(revisedMask, revisedMask + n, workMask)) return;
+    if (sameMask(revisedMask, workMask, n)) return;
     std::copy_n(revisedMask, n, workMask);
   }
 }

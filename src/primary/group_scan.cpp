@@ -17,31 +17,25 @@ namespace quent {
 namespace {
 
 // Curve copies: the curve under test, the mean curve of a round, the single
-// curve of the fallback; the mask slice of the masked test, and the mask a
-// revision fit reports (not needed here).
+// curve of the fallback; and the mask a revision fit reports (not needed here).
 thread_local real_T groupCurveX[kMaxCurvePoints];
 thread_local real_T groupCurveY[kMaxCurvePoints];
 thread_local real_T meanX[kMaxCurvePoints];
 thread_local real_T meanY[kMaxCurvePoints];
 thread_local real_T fallbackCurveX[kMaxCurvePoints];
 thread_local real_T fallbackCurveY[kMaxCurvePoints];
-thread_local int32_T maskSlice[kMaxCurvePoints];
 thread_local int32_T revisedMask[kMaxCurvePoints];
 
+// The masked test reads the curve's stretch of the mask in place, through
+// its stride, whether the mask is the host's vector or the library's record.
 real_T usableCurve(const CallCurves& curves, const ScanSource& source, int32_T stateCount,
                    int32_T curve) {
   const int32_T n = curves.pointsPerCurve;
   curves.copy(curve, groupCurveX, groupCurveY);
   if (!source.masked) return curveUsable(stateCount, groupCurveX, n, groupCurveY, n);
-  const VectorView<int32_T>& mask = source.pointMask;
-  const int32_T first = curves.at(curve, 0);
-  if (source.hostMask) {
-    const int32_T sliceSize[2] = {mask.stride, n};
-    const int32_T* slice = mask.data + static_cast<long long>(mask.stride) * first;
-    return curveUsableMaskedPair(stateCount, groupCurveX, n, groupCurveY, n, slice, sliceSize);
-  }
-  for (int32_T i = 0; i < n; ++i) maskSlice[i] = mask[first + i];
-  return curveUsableMasked(stateCount, groupCurveX, n, groupCurveY, n, maskSlice, n);
+  const VectorView<int32_T> slice = source.pointMask.from(curves.at(curve, 0));
+  const int32_T sliceSize[2] = {slice.stride, n};
+  return curveUsableMaskedPair(stateCount, groupCurveX, n, groupCurveY, n, slice.data, sliceSize);
 }
 
 // The whole-curve strategy of the family, for a masked round.

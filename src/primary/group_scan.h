@@ -19,7 +19,6 @@ namespace quent {
 struct ScanSource {
   bool masked = false;
   VectorView<int32_T> pointMask;  // kept points of every curve, when masked
-  bool hostMask = false;          // the mask is the host's own vector, not the library's record
   const VectorView<int32_T>* curveFlags = nullptr;  // null: every curve may take part
 
   bool chosen(int32_T curve) const { return curveFlags == nullptr || (*curveFlags)[curve] == 1; }

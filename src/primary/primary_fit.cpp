@@ -4,6 +4,7 @@
 #include "primary/primary_fit.h"
 
 #include "frame/array.h"
+#include "frame/fit_row.h"
 #include "frame/limits.h"
 #include "frame/row_layout.h"
 #include "primary/concentration_groups.h"
@@ -33,7 +34,7 @@ void buildPointMasks(const CallCurves& curves, int32_T stateCount, const real_T*
     });
   }
   for (int32_T c = 0; c < curves.curveCount; ++c)
-    if (rows[kRowColumns * c + kColRT] < 0.0)
+    if (!rowHasFit(rows + kRowColumns * c))
       for (int32_T i = 0; i < n; ++i) mask[curves.at(c, i)] = 1;
 }
 
@@ -58,15 +59,15 @@ void primaryFit(int32_T pointsPerCurve, const real_T* denaturant, const int32_T*
   real_T referenceRow[kRowColumns];
   const ScanSource firstScan;  // before any mask exists
   groupScan(curves, groups, firstScan, stateCount, temperatureC, referenceRow);
-  if (referenceRow[kColRT] < 0.0)
+  if (!rowHasFit(referenceRow))
     fallbackScan(curves, firstScan, stateCount, temperatureC, referenceRow);
-  if (referenceRow[kColRT] < 0.0) {
+  if (!rowHasFit(referenceRow)) {
     writeCallFailure(curveCount, saturatingMul(curveCount, pointsPerCurve), fitRows, pointMask);
     return;
   }
 
   if (!arrayResizeRowFill(fitRows, kRowColumns * curveCount, 0.0) ||
-      !arrayResizeRowFill(pointMask, curveCount * pointsPerCurve, 1))
+      !arrayResizeRow(pointMask, curveCount * pointsPerCurve))
     return;
   buildPointMasks(curves, stateCount, referenceRow, fitRows->data, pointMask->data);
 

@@ -21,8 +21,7 @@ thread_local real_T sorted[kMaxCurvePoints];
 struct SpikeThresholds {
   real_T h, curvature, spread;
   SpikeThresholds(int32_T n, real_T spread) : spread(spread) {
-    const int32_T m = n % 2 != 0 ? n + 1 : n;
-    h = static_cast<real_T>(m / 2);
+    h = static_cast<real_T>((n + 1) / 2);  // half of n rounded up to even
     const real_T d = h - 0.5;
     curvature = -1.0 / (d * d);
   }

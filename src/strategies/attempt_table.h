@@ -5,6 +5,8 @@
 // which are the energies of its leading slots.
 #pragma once
 
+#include <algorithm>
+
 #include "frame/limits.h"
 #include "quent_dgtrend.h"
 
@@ -28,7 +30,9 @@ struct AttemptTable {
   }
   // A slot whose attempt was not run holds a failed vector.
   void fail(int s) {
-    for (int p = 0; p < Params; ++p) value[p * Slots + s] = kFailed;
+    real_T failed[Params];
+    std::fill_n(failed, Params, kFailed);
+    set(s, failed);
   }
   real_T at(int s, int p) const { return value[p * Slots + s]; }
 };

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <concepts>
+#include <iterator>
 
 #include "quent_dgtrend.h"
 #include "strategies/one_transition_family.h"
@@ -21,21 +22,21 @@ using RegisteredFamilies = FamilyList<Family<1>>;
 
 // A family whose strategies are in the library.
 template <class F>
-concept FittedFamily = requires(const CurvePoints& c, real_T RT, int32_T* order,
+concept FittedFamily = requires(const CurvePoints& c, real_T RT, int best, int32_T* order,
                                 typename F::StartTable& start, typename F::HeldTable& held,
                                 typename F::Estimate& e) {
   { F::kStateCount } -> std::convertible_to<int32_T>;
-  F::kAttempts[0];
-  F::kUsableAttempts[0];
-  F::kNativeHeld[0];
-  F::kUnfoldedHeld[0];
-  F::kBothHeld[0];
-  F::kPairRungs[0];
-  F::kFirstPassRungs[0];
-  F::kCodes[0];
+  std::size(F::kAttempts);
+  std::size(F::kUsableAttempts);
+  std::size(F::kNativeHeld);
+  std::size(F::kUnfoldedHeld);
+  std::size(F::kBothHeld);
+  std::size(F::kPairRungs);
+  std::size(F::kFirstPassRungs);
+  std::size(F::kCodes);
   { F::estimateUsable(e) } -> std::same_as<bool>;
   F::startAttempts(c, RT, start, e);
-  F::completeStartTable(c, RT, 0, start, e);
+  F::completeStartTable(c, RT, best, start, e);
   F::reviseEstimate(c, start, e);
   F::refineHeldTable(c, order, held);
 };

@@ -3,6 +3,7 @@
 // slope of the stretch strays from the stretch's mean.
 #include "strategies/segment_baselines.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "frame/limits.h"
@@ -18,7 +19,7 @@ constexpr int32_T kNativeLine = 3;   // points of the native line when its slope
 }  // namespace
 
 BaselinePairs segmentBaselines(const real_T* x, const real_T* y, int32_T n) {
-  const int32_T m = n - 1 < kMaxFitPoints - 1 ? n - 1 : kMaxFitPoints - 1;
+  const int32_T m = std::min(n, kMaxFitPoints) - 1;
   real_T d[kMaxFitPoints] = {};
   for (int32_T i = 0; i < m; ++i)
     d[i] = x[i] == x[i + 1] ? 0.0 : (y[i] - y[i + 1]) / (x[i] - x[i + 1]);
@@ -51,7 +52,7 @@ BaselinePairs segmentBaselines(const real_T* x, const real_T* y, int32_T n) {
     }
   }
   if (c >= 2) {
-    const int32_T first = n - c - 1 < 0 ? 0 : n - c - 1;
+    const int32_T first = std::max(n - c - 1, 0);
     const LineCoefficients line = lineFit(x + first, y + first, n - first);
     b.unfoldedSlope = line.slope;
     b.unfoldedIntercept = line.intercept;

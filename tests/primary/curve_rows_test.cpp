@@ -46,6 +46,8 @@ void buildsCurveMask(const MaskCase& c) {
   expected[0] = !c.firstCleared;
   buildCurveMask<T>(curve.x, curve.y, n, curve.row, row, mask.data());
   EXPECT_TRUE(row[13] == c.code && (row[12] > 0.0) != c.zeroReference && mask == expected) << row[13];
+  // The held pass keeps the reference's shares.
+  if (c.sharesMoved != 0.0) { EXPECT_EQ(row[8], curve.row[8]); }
 }
 
 TEST(CurveMask, EveryFamily) {
@@ -104,6 +106,9 @@ void fitsCurveForGood(real_T heldCode) {
   writeFailedRow<T>(35.0, failed35);
   finalCurveFit<T>(curve.x, curve.y, 8 * T - 1, curve.row, true, row);
   EXPECT_TRUE(test::sameRow(row, blank));
+  test::Curve<T> fewest(8 * T);  // the least number of points is fitted
+  finalCurveFit<T>(fewest.x, fewest.y, 8 * T, fewest.row, true, row);
+  EXPECT_EQ(row[13], heldCode);
   finalCurveFit<T>(curve.x, curve.y, n, curve.row, false, row);
   EXPECT_TRUE(test::sameRow(row, T == 1 ? blank : failed35));
   finalCurveFit<T>(curve.x, curve.y, n, curve.row, true, row);
@@ -145,6 +150,8 @@ TEST(ShareRules, BoundsOfTwoAndThreeTransitions) {
       {rows(std::nextafter(0.1, 0.0), 0.0, 600.0), zero, true, true, false, false},
       {rows(above, 0.0, 600.0), zero, false, false, false, false},
       {rows(0.07, 0.07, 600.0), zero, true, true, true, false},
+      {rows(0.05, 0.07, 600.0), zero, true, true, true, false},
+      {rows(0.07, 0.05, 600.0), zero, true, true, true, false},
       {rows(0.07, above7, 600.0), zero, true, true, false, false},
       {rows(0.55, 0.3, 600.0), half, true, true, true, true},
       {rows(0.45, 0.2, 600.0), half, true, true, true, true},
@@ -251,6 +258,17 @@ void refitsAndFinishes() {
   c.p[0] = NAN;
   finishRow<T>(c.x, c.y, 64, c.p, 4.0, row);
   EXPECT_TRUE(row[12] == kFixedRT && row[14] == -1.0);
+}
+
+// A whole curve of the most points a call takes is refitted on all of them.
+TEST(Refit, AsManyPointsAsACurveHolds) {
+  const auto x = test::grid(2304, 0.0, 6.0);
+  const auto y = test::evaluated(curveModel1, test::kTruth[0], x);
+  real_T row[kRowColumns] = {}, fit[7];
+  paramsToRow<1>(test::kTruth[0], row);
+  const std::vector<int32_T> all(2304, 1);
+  refitMasked<1>(x.data(), y.data(), 2304, row, all.data(), true, fit);
+  EXPECT_NEAR(fit[0], 6000.0, 1e-6 * 6000.0);
 }
 
 TEST(Refit, EachFamily) { refitsAndFinishes<1>(), refitsAndFinishes<2>(), refitsAndFinishes<3>(); }

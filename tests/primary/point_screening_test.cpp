@@ -23,7 +23,11 @@ TEST(ScreenSpikes, Cases) {
       {"odd, last point", {0, 0, 0, 1, 1, 1, 1.2}, {1, 1, 1, 1, 1, 1, 1}},
       {"even, last point", {0, 0, 0, 0, 1, 1, 1, 1.2}, {1, 1, 1, 1, 1, 1, 1, 0}},
       {"fewer than five points", {0, 9, 0, 9}, {1, 1, 1, 1}},
-      {"the two highest left out of the spread", {0, 0, 0, 1e-3, 0, 0, 0.5, 0.5}, {1, 1, 1, 0, 1, 1, 1, 1}}};
+      {"the two highest left out of the spread", {0, 0, 0, 1e-3, 0, 0, 0.5, 0.5}, {1, 1, 1, 0, 1, 1, 1, 1}},
+      // Spread from the third-lowest (0) to the third-highest (2): 0.3.  The
+      // bump of 0.4 stays under its threshold of 0.54, the ramp's steps of 1
+      // do not, and the last point's neighbour is gone.
+      {"a spread between the third values from each end", {0, 0, 0.4, 0, 1, 2, 3, 4}, {1, 1, 1, 1, 0, 0, 0, 1}}};
   for (const auto& c : cases) {
     std::vector<int32_T> mask(c.y.size(), 7);
     screenSpikes(c.y.data(), static_cast<int32_T>(c.y.size()), mask.data());

@@ -70,7 +70,8 @@ TYPED_TEST(Ladders, PairLadderEndsAfterTwentySteps) {
   const PairHit hit = s.template ladder<F>();
   EXPECT_TRUE(hit.step == 19 && hit.slot == rung.slot);
   s.native[rung.slot] = below(s.native[rung.slot]);
-  EXPECT_EQ(s.template ladder<F>().rung, -1);
+  const PairHit none = s.template ladder<F>();
+  EXPECT_TRUE(none.step == -1 && none.rung == -1 && none.slot == -1 && !none.unfolded);
 }
 
 // The same for the first-pass ladder over the start table, down to step 49.
@@ -96,7 +97,8 @@ TYPED_TEST(Ladders, EveryFirstPassPlaceHitsAtItsThresholdWithItsCode) {
   lowest[places.back().slot] = firstPassThreshold(49);
   EXPECT_EQ(firstPassLadder(F::kFirstPassRungs, count, lowest.data()).step, 49);
   lowest[places.back().slot] = below(lowest[places.back().slot]);
-  EXPECT_EQ(firstPassLadder(F::kFirstPassRungs, count, lowest.data()).place, -1);
+  const FirstPassHit none = firstPassLadder(F::kFirstPassRungs, count, lowest.data());
+  EXPECT_TRUE(none.step == -1 && none.place == -1);
 }
 
 TEST(StageWalks, BestStartHeldTableAndBothHeld) {

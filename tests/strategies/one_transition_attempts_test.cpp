@@ -58,6 +58,15 @@ TEST(SegmentBaselines, StraightEndsPlainBentEndsFittedShortCurvesPadded) {
   // strays only at w = 3, whose line would start three points before the curve.
   const Points four = line({1.0, 2.0, 3.0, 4.2});
   expectBaselines(four, {0.001, 1.0}, lineFit(four.x.data(), four.y.data(), 4));
+  // The unfolded stretch widens to eleven slopes at most: a stray twelfth
+  // slope from the end is never seen.
+  const Points eleven = line({0, 0, 0, 0, -5, -4, -3, -2, -1, 0, 1, 2, 3, 4, 5, 6});
+  expectBaselines(eleven, {0.001, 0.0}, {0.001, 6.0 - 0.001 * 6.0});
+  // Equal abscissas give a slope of 0.0: here the first two slopes, 0 and -1,
+  // agree by their mean of -0.5, so the native start stays plain.
+  Points repeated = line({7, 0, -1, -2, -3, -4, -5, -6, -7, -8});
+  repeated.x = {0, 0, 1, 2, 3, 4, 5, 6, 7, 8};
+  expectBaselines(repeated, {0.001, 7.0}, {0.001, -8.0 - 0.001 * -8.0});
 }
 
 constexpr real_T kFree = NAN;

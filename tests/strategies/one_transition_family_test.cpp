@@ -1,6 +1,7 @@
 // The members of the one-transition strategy that are its own: the midpoint
 // estimate revised from the good starts, and the rule that members taking a
 // midpoint run only with one above 0.0.
+#include "strategies/attempt_runner.h"
 #include "strategies/one_transition_family.h"
 #include "strategies/strategy_skeleton.h"
 #include "test_support.h"
@@ -69,6 +70,11 @@ TEST(OneTransitionEstimate, MidpointMembersRunOnlyAboveZero) {
         t.get(s, v);
         EXPECT_EQ(failed(v), s == 8 || (s % 2 == 1 && midpoint == 0.0)) << s;
       }
+      real_T first[7], run[7];  // slot 0 holds its member's fit
+      t.get(0, first);
+      runAttempt<F>((side == Side::Native ? F::kNativeHeld : F::kUnfoldedHeld)[0], points,
+                    kFixedRT, e, b.native, b.unfolded, run);
+      EXPECT_TRUE(std::equal(first, first + 7, run));
     }
     real_T both[2][7];
     for (int k = 0; k < 2; ++k)
@@ -76,6 +82,28 @@ TEST(OneTransitionEstimate, MidpointMembersRunOnlyAboveZero) {
     EXPECT_FALSE(failed(both[0]));
     EXPECT_EQ(failed(both[1]), midpoint == 0.0);
   }
+  EXPECT_TRUE(F::estimateUsable({std::nextafter(0.0, 1.0)}));
+}
+
+// The baselines to hold: means over the slots scoring 0.99 or more that meet
+// that end; a side no such slot meets has the pair (0, 0) and count 0.
+TEST(OneTransitionEstimate, BaselinesFromTheGoodStarts) {
+  F::StartTable t{};
+  const auto slot = [&t](int s, real_T score, real_T nativeFlag, real_T unfoldedFlag,
+                         real_T a, real_T b, real_T c, real_T d) {
+    const real_T v[7] = {5000.0, 3.0, a, b, c, d, kFixedRT};
+    t.set(s, v), t.score[s] = score, t.nativeFlag[s] = nativeFlag, t.unfoldedFlag[s] = unfoldedFlag;
+  };
+  slot(1, 0.995, 1.0, 0.0, 10.0, -0.5, 99.0, 99.0);
+  slot(3, 0.99, 1.0, 1.0, 11.0, -0.25, 2.0, 0.5);
+  slot(5, std::nextafter(0.99, 0.0), 1.0, 1.0, 99.0, 99.0, 99.0, 99.0);
+  HeldBaselines b = strategy::baselinesFromGoodSlots<F>(t);
+  EXPECT_TRUE(b.nativeCount == 2 && b.native[0] == 10.5 && b.native[1] == -0.375);
+  EXPECT_TRUE(b.unfoldedCount == 1 && b.unfolded[0] == 2.0 && b.unfolded[1] == 0.5);
+  t.nativeFlag[1] = t.nativeFlag[3] = 0.0;
+  b = strategy::baselinesFromGoodSlots<F>(t);
+  EXPECT_TRUE(b.nativeCount == 0 && b.native[0] == 0.0 && b.native[1] == 0.0);
+  EXPECT_TRUE(test::sameBits(b.native[0], 0.0) && test::sameBits(b.native[1], 0.0));
 }
 
 // Slots 4 to 7 of the start table take the slope peak of the curve, and are

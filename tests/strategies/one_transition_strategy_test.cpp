@@ -83,6 +83,7 @@ TEST(FitOneTransitionPath, EachCurveTakesItsExit) {
       {"pairUnfolded",  48, 4500.0, 3.0, -0.6,  0.3, 0.01,   3,   6,   39,  47},
       {"firstPass",     48, 9750.0, 6.5, -0.6, -0.3, 0.01,   3,   25,  39,  64},
       {"noUnfolded",    96, 8000.0, 7.0, -0.1,  0.0, 0.0,    7,   3,   39,  44},
+      {"oneNativeStart",48, 9750.0, 6.5, -0.6,  0.3, 0.0,    1,   3,   39,  44},
       {"nothingPassed", 96, 5200.0, 3.6,  0.0,  0.0, 0.1875, 7,   34,  39,  64}};
   for (const auto& p : cases) {
     SCOPED_TRACE(p.name);
@@ -125,6 +126,12 @@ TEST(FitOneTransitionMasked, TrimsDropEndPointsAndMeasureOnThePointsKept) {
   const Row one = fitMasked(Pass::Main, last);
   expectExit(one, 38.0);
   EXPECT_EQ(maskOut, expected);
+  // The last point goes by its own entry, whatever its neighbour's.
+  std::vector<int32_T> secondLastOff(96, 1);
+  secondLastOff[94] = 0;
+  expectExit(fitMasked(Pass::Main, last, secondLastOff), 38.0);
+  secondLastOff[95] = 0;
+  EXPECT_EQ(maskOut, secondLastOff);
   EXPECT_NEAR(one.v[4], 5200.0, 0.005 * 5200.0);
   EXPECT_EQ(one.v[14], rSquaredOfFit1(last.x.data(), last.y.data(), 95, one.params().data()));
 
