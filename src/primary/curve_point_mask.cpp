@@ -100,7 +100,6 @@ void buildCurveMask(const real_T* x, const real_T* y, int32_T n, const real_T* r
     real_T freePassRow[kRowColumns];
     writeBlankRow(freePassRow);
     heldPassRow[kColCode] = 12.0;
-    std::fill_n(freePassMask, n, 1);
     refitPass<T>(x, y, n, referenceRow, false, 5, kFreePassEnds, freePassRow, freePassMask);
     if (Family<T>::maskFreePassStands(freePassRow, referenceRow))
       take(freePassRow, freePassMask, n, row, mask);

@@ -4,6 +4,8 @@
 // and the curves fitted from it fail on their own.
 #include "primary/finish_primary_fit.h"
 
+#include <algorithm>
+
 #include "frame/array.h"
 #include "frame/limits.h"
 #include "frame/row_layout.h"
@@ -55,7 +57,7 @@ void finishPrimaryFit(const CallCurves& curves, const ConcentrationGroups& group
 
   for (int32_T c = 0; c < curveCount; ++c) {
     if (!applyAcceptanceGates(row(c)) || pointMask == nullptr) continue;
-    for (int32_T i = 0; i < curves.pointsPerCurve; ++i) pointMask->data[curves.at(c, i)] = 1;
+    std::fill_n(pointMask->data + curves.at(c, 0), curves.pointsPerCurve, 1);
   }
 }
 

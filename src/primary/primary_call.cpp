@@ -3,6 +3,8 @@
 // failure of the whole call, shaped as the curves of the denaturant say.
 #include "primary/primary_call.h"
 
+#include <algorithm>
+
 #include "frame/array.h"
 #include "frame/kept_points.h"
 #include "frame/limits.h"
@@ -24,7 +26,7 @@ int32_T curvesIn(int32_T entries, int32_T pointsPerCurve) {
       roundHalfAway(static_cast<real_T>(entries) / static_cast<real_T>(pointsPerCurve)));
 }
 
-int32_T atMost(int32_T value, int32_T cap) { return value < cap ? value : cap; }
+int32_T atMost(int32_T value, int32_T cap) { return std::min(value, cap); }
 
 }  // namespace
 

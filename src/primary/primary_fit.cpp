@@ -3,6 +3,8 @@
 // the masks are known: only pointMask goes on to the final fit.
 #include "primary/primary_fit.h"
 
+#include <algorithm>
+
 #include "frame/array.h"
 #include "frame/fit_row.h"
 #include "frame/limits.h"
@@ -34,8 +36,7 @@ void buildPointMasks(const CallCurves& curves, int32_T stateCount, const real_T*
     });
   }
   for (int32_T c = 0; c < curves.curveCount; ++c)
-    if (!rowHasFit(rows + kRowColumns * c))
-      for (int32_T i = 0; i < n; ++i) mask[curves.at(c, i)] = 1;
+    if (!rowHasFit(rows + kRowColumns * c)) std::fill_n(mask + curves.at(c, 0), n, 1);
 }
 
 }  // namespace

@@ -36,8 +36,10 @@ void refitFromRow(const real_T* x, const real_T* y, int32_T n, const real_T* row
   heldFit<TransitionModel<T>>(x, y, n, start, amplitudesHeld ? F::kRefitHeld : F::kRefitFree,
                               params);
   keepIfPlausible<T>(params, x, n);
-  if (params[TransitionLayout<T>::dG(0)] == -1.0) return;
-  if (rSquaredOfFit<T>(x, y, n, params) < kMinRSquared) fail<T>(params);
+  // A refused fit is failed already; a plausible one must also explain its points.
+  if (params[TransitionLayout<T>::dG(0)] != kFailed &&
+      rSquaredOfFit<T>(x, y, n, params) < kMinRSquared)
+    fail<T>(params);
 }
 
 template <int T>

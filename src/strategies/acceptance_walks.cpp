@@ -42,11 +42,9 @@ int heldTableWalk(const real_T* flags, const real_T* sortedScores, int slots) {
   return -1;
 }
 
+// Descending, with a NaN last: all are good when the last is.
 bool bothHeldAccepted(const real_T* sortedScores, int count, bool everyMustPass) {
-  if (!everyMustPass) return sortedScores[0] >= kGoodScore;
-  for (int k = 0; k < count; ++k)
-    if (!(sortedScores[k] >= kGoodScore)) return false;
-  return true;
+  return sortedScores[everyMustPass ? count - 1 : 0] >= kGoodScore;
 }
 
 PairHit pairLadder(const PairRung* rungs, int rungCount, const real_T* nativeScores,

@@ -33,7 +33,7 @@ BestSlot bestSlot(const real_T* scores, int first, int end, int fallback);
 int heldTableWalk(const real_T* flags, const real_T* sortedScores, int slots);
 
 // Whether the attempts with both baselines held are accepted, given their
-// scores in descending order: all of them good, or only the best.
+// scores in descending order (a NaN last): all of them good, or only the best.
 bool bothHeldAccepted(const real_T* sortedScores, int count, bool everyMustPass);
 
 // One rung of the pair ladder: a slot of the two held tables, tested at the

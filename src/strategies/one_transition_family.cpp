@@ -3,6 +3,8 @@
 // midpoint of the good starts.
 #include "strategies/one_transition_family.h"
 
+#include <iterator>
+
 #include "engine/levenberg_marquardt.h"
 #include "frame/limits.h"
 #include "models/derivative_peaks.h"
@@ -17,7 +19,7 @@ using F = OneTransitionFamily;
 using L = F::Layout;
 
 constexpr int kRefinedSlot = 8;
-constexpr int kMidpointSlots = 4;  // slots 4 to 7
+static_assert(std::size(F::kStartSlots) == kRefinedSlot);
 
 constexpr real_T startEnergy(StartForm form) { return form == StartForm::Segment ? 10000.0 : 6000.0; }
 
@@ -49,19 +51,13 @@ void F::refineRanked(const CurvePoints& c, const real_T* table, real_T* result) 
   keepIfPlausible<1>(result, c.x, c.n);
 }
 
+// The free starts do not read the midpoint, so it may be found before them.
 void F::startAttempts(const CurvePoints& c, real_T RT, StartTable& t, Estimate& e) {
-  real_T v[L::kParams];
-  for (int s = 0; s < kMidpointSlots; ++s) {
-    runAttempt<F>(kStartSlots[s], c, RT, kNoEstimate, kAbsentPair, kAbsentPair, v);
-    t.set(s, v);
-  }
   e.midpoint = derivativePeaks1(c.x, c.y, c.n);
-  for (int s = kMidpointSlots; s < 2 * kMidpointSlots; ++s) {
-    if (!estimateUsable(e)) {
-      t.fail(s);
-      continue;
-    }
-    runAttempt<F>(kStartSlots[s], c, RT, e, kAbsentPair, kAbsentPair, v);
+  constexpr HeldBaselines kNoBaselines{};
+  real_T v[L::kParams];
+  for (int s = 0; s < kRefinedSlot; ++s) {
+    strategy::runMember<F>(kStartSlots[s], c, RT, kNoBaselines, e, v);
     t.set(s, v);
   }
   strategy::scoreSlots<F>(c, t, 0, kRefinedSlot);

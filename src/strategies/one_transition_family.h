@@ -63,7 +63,7 @@ struct Family<1> {
   static constexpr bool kTrimsEnds = true;
 
   // Start slots 0 to 3 are free; 4 to 7 take the midpoint of the slope peaks.
-  static constexpr Attempt kStartSlots[8] = {
+  static constexpr Attempt kStartSlots[] = {
       Attempt::ThreePointFull,   Attempt::ThreePointCore,   Attempt::FlatCore,
       Attempt::SegmentCore,      Attempt::ThreePointFullAt, Attempt::ThreePointCoreAt,
       Attempt::FlatCoreAt,       Attempt::SegmentCoreAt};

@@ -155,11 +155,11 @@ bool startStage(const CurvePoints& c, real_T RT, Tables<F>& w) {
   return true;
 }
 
-// A member of a held stage with both baselines handed in.  Members that take
-// the family's estimate run only while it is usable there; otherwise their
+// A member of a stage with the stage's baselines and estimate.  Members that
+// take the family's estimate run only while it is usable; otherwise their
 // vector is failed.
 template <class F>
-void runHeldMember(typename F::Attempt id, const CurvePoints& c, real_T RT,
+void runMember(typename F::Attempt id, const CurvePoints& c, real_T RT,
                    const HeldBaselines& b, const typename F::Estimate& e, real_T* v) {
   if (F::kAttempts[static_cast<int>(id)].takes != Takes::Nothing && !F::estimateUsable(e)) {
     for (int k = 0; k < kParamsOf<F>; ++k) v[k] = kFailed;
@@ -179,25 +179,25 @@ void fillHeldTable(Side side, const CurvePoints& c, real_T RT, const HeldBaselin
   static_assert(std::size(F::kUnfoldedHeld) == std::size(F::kNativeHeld));
   Vector<F> v;
   for (int s = 0; s < kMembers; ++s) {
-    runHeldMember<F>(members[s], c, RT, b, e, v);
+    runMember<F>(members[s], c, RT, b, e, v);
     t.set(s, v);
   }
   for (int s = kMembers; s < F::HeldTable::kSlots; ++s) t.fail(s);
 }
 
-// Stage 2: the index of the accepted attempt with both baselines held, or -1.
+// Stage 2: the accepted attempt with both baselines held, or null.
 template <class F>
-int bothHeldStage(const CurvePoints& c, real_T RT, const Tables<F>& w,
-                  real_T (&v)[kBothHeldAttempts<F>][kParamsOf<F>]) {
+const real_T* bothHeldStage(const CurvePoints& c, real_T RT, const Tables<F>& w,
+                            real_T (&v)[kBothHeldAttempts<F>][kParamsOf<F>]) {
   constexpr int kCount = kBothHeldAttempts<F>;
   real_T sorted[kCount];
   int32_T order[kCount];
   for (int k = 0; k < kCount; ++k) {
-    runHeldMember<F>(F::kBothHeld[k], c, RT, w.baselines, w.estimate, v[k]);
+    runMember<F>(F::kBothHeld[k], c, RT, w.baselines, w.estimate, v[k]);
     sorted[k] = rSquaredOfFit<F::T>(c.x, c.y, c.n, v[k]);
   }
   sortDescendingWithOrder(sorted, kCount, order);
-  return bothHeldAccepted(sorted, kCount, F::kBothHeldEvery) ? order[0] - 1 : -1;
+  return bothHeldAccepted(sorted, kCount, F::kBothHeldEvery) ? v[order[0] - 1] : nullptr;
 }
 
 // Stages 3 and 4 on a filled table: rank its scores in place, let the family
@@ -329,21 +329,14 @@ void runPass(Pass pass, const CurvePoints& c, real_T RT, const MaskedCurve* whol
   const bool bothKnown = b.nativeCount > 0 && b.unfoldedCount > 0;
   real_T bothHeld[kBothHeldAttempts<F>][kParamsOf<F>];
 
-  if (pass == Pass::TrimOne) {
-    const int chosen = bothKnown ? bothHeldStage<F>(c, RT, w, bothHeld) : -1;
-    if (chosen < 0)
-      writeFailed<F>(codes.exhausted, row);
-    else
-      writeFitRow<F::T>(c.x, c.y, c.n, bothHeld[chosen], static_cast<real_T>(codes.bothHeld), row);
+  const real_T* chosen = bothKnown ? bothHeldStage<F>(c, RT, w, bothHeld) : nullptr;
+  if (chosen != nullptr) {
+    writeFitRow<F::T>(c.x, c.y, c.n, chosen, static_cast<real_T>(codes.bothHeld), row);
     return;
   }
-
-  if (bothKnown) {
-    const int chosen = bothHeldStage<F>(c, RT, w, bothHeld);
-    if (chosen >= 0) {
-      writeFitRow<F::T>(c.x, c.y, c.n, bothHeld[chosen], static_cast<real_T>(codes.bothHeld), row);
-      return;
-    }
+  if (pass == Pass::TrimOne) {
+    writeFailed<F>(codes.exhausted, row);
+    return;
   }
   if constexpr (F::kTrimsEnds) {
     if (whole != nullptr && trimOneEnd<F>(*whole, b, row)) return;

@@ -181,6 +181,14 @@ TEST(FreeEnergyTrend, OneValidCurve) {
   const real_T dG = 3.0 * (std::log(conc[0]) * (2000.0 / std::log(conc[0])) + 0.0);
   EXPECT_TRUE(rows[4] == dG && rows[18] == std::exp(-(dG / 600.0)) * 1e6);
   EXPECT_TRUE(rows[6] == 0.0 && rows[19] == 0.0 && rows[28] == 7.0 && rows[36] == -1.0);
+  // A curve the host left out is marked -1 and does not count for the line.
+  std::vector<real_T> flagged(48, 0.0);
+  flagged[4] = 6000.0, flagged[5] = 3.0, flagged[12] = 600.0;
+  flagged[28] = 9000.0, flagged[29] = 3.0, flagged[36] = 600.0;
+  const std::vector<int32_T> flags{1, 0};
+  const VectorView<int32_T> flagView{flags.data(), 1, 2};
+  freeEnergyTrend({conc.data(), 1, 2}, 2, &flagView, flagged.data());
+  EXPECT_TRUE(flagged[4] == dG && flagged[36] == -1.0 && flagged[28] == 9000.0);
 }
 
 // Each gate at its bound: R squared 0.95 and an error of exactly a quarter of

@@ -1,6 +1,7 @@
 // Concentration groups, the usable-curve test and the group scans that find
 // the reference row.
 #include "primary/curve_usable.h"
+#include "primary/finish_primary_fit.h"
 #include "primary/fit_with_mask_revision.h"
 #include "primary/group_scan.h"
 #include "strategies/one_transition_family.h"
@@ -164,6 +165,44 @@ TEST(GroupScan, EightPointsFitAndATinyInterceptStops) {
   const Vec tiny = fitOf(40, 0.0004, 2.5);
   EXPECT_TRUE(tiny[0] > 0.0 && tiny[0] < 0.001) << tiny[0];
   EXPECT_EQ(scanOf(40, 0.0004, {2.5, 3.0}, row), tiny);
+  // A flat curve at the top concentration is not usable: its round leaves the
+  // blank row, whose native intercept of 0 does not stop the scan.
+  Vec den, sig;
+  transition(40, 3.0, den, sig, 10.0);
+  const Vec x = den;
+  den.insert(den.begin(), x.begin(), x.end());
+  sig.insert(sig.begin(), 40, 50.0);
+  const Vec conc{2.0, 1.0};
+  const CallCurves call{view(den), view(sig), view(conc), 40, 2};
+  ConcentrationGroups groups;
+  sortOutConcentrations(call.sampleConc, 2, groups);
+  groupScan(call, groups, ScanSource{}, 2, 25.0, row);
+  EXPECT_EQ(Vec(row, row + kRowColumns), fitOf(40, 10.0, 3.0));
+}
+
+// When no group of the masked scan has eight kept points, the reference row
+// stays all zeros with RT 0.  That is no failure of the call: each curve is
+// refitted from it, fails, and leaves the blank row with all its points kept.
+TEST(FinishPrimaryFit, AZeroReferenceGoesOn) {
+  Vec den, sig;
+  transition(40, 3.0, den, sig), transition(40, 3.5, den, sig);
+  const Vec conc{2.0, 1.0};
+  const CallCurves call{view(den), view(sig), view(conc), 40, 2};
+  ConcentrationGroups groups;
+  sortOutConcentrations(call.sampleConc, 2, groups);
+  test::OwnedArray<RealArray> rows;
+  test::OwnedArray<Int32Array> mask;
+  ASSERT_TRUE(arrayResizeRowFill(mask.get(), 80, 0));
+  for (int32_T i = 0; i < 7; ++i) mask->data[5 * i] = mask->data[40 + 5 * i] = 1;
+  ScanSource source;
+  source.masked = true, source.pointMask = vectorView(mask.get());
+  finishPrimaryFit(call, groups, source, 2, 25.0, rows.get(), mask.get());
+  Vec blank(kRowColumns, 0.0);
+  blank[12] = -1.0;
+  ASSERT_EQ(rows.count(), 48);
+  EXPECT_EQ(Vec(rows->data, rows->data + 24), blank);
+  EXPECT_EQ(Vec(rows->data + 24, rows->data + 48), blank);
+  EXPECT_EQ(std::vector<int32_T>(mask->data, mask->data + 80), std::vector<int32_T>(80, 1));
 }
 
 }  // namespace

@@ -81,6 +81,36 @@ TEST(ReviseMask, ModelOfTheRowAndReturningPoints) {
   revisesUnderTheModelOfTheRow<1>(), revisesUnderTheModelOfTheRow<2>(), revisesUnderTheModelOfTheRow<3>();
 }
 
+// A point goes when its residual exceeds 0.15 of the population deviation of
+// the kept signal, the displaced point included: found here by bisection, and
+// probed a hair either side.
+TEST(ReviseMask, ResidualLimitIsFifteenPercentOfTheDeviation) {
+  const auto sigma = [](std::vector<real_T> v) {
+    real_T mean = 0.0, squares = 0.0;
+    for (real_T e : v) mean += e / static_cast<real_T>(v.size());
+    for (real_T e : v) squares += (e - mean) * (e - mean);
+    return std::sqrt(squares / static_cast<real_T>(v.size()));
+  };
+  const test::Curve<1> clean(40);
+  const auto withShift = [&](real_T d) {
+    std::vector<real_T> y(clean.y, clean.y + 40);
+    y[10] += d;
+    return y;
+  };
+  real_T low = 0.0, high = 5.0;
+  for (int k = 0; k < 200; ++k) {
+    const real_T mid = 0.5 * (low + high);
+    (mid > 0.15 * sigma(withShift(mid)) ? high : low) = mid;
+  }
+  for (const real_T factor : {1.0 - 1e-9, 1.0 + 1e-9}) {
+    const auto y = withShift(low * factor);
+    std::vector<int32_T> mask(40, 1), expected(40, 1);
+    expected[10] = factor > 1.0 ? 0 : 1;
+    reviseMask(clean.x, y.data(), 40, clean.row, mask.data());
+    EXPECT_EQ(mask, expected) << factor;
+  }
+}
+
 // At most a quarter of the curve, as 100 z / n in real arithmetic (26 of 103
 // is above 25 percent).  No kept point: nothing is judged, all come back.
 TEST(ReviseMask, QuarterOfTheCurve) {

@@ -93,6 +93,9 @@ TEST(PrimaryFitEntry, RefusedAndFailedCalls) {
       {"negative points per curve", -8, {1, 40}, {1, 40}, {1, 4}, 4, 40},
       {"last curve short (9.5 curves round to 10)", 10, {1, 95}, {1, 95}, {1, 10}, 10, 95},
       {"more elements than int32_T counts", 8, {65536, 65536}, {1, 16}, {1, 2}, 2, 65536},
+      {"signal beyond int32_T", 8, {1, 16}, {65536, 65536}, {1, 2}, 2, 16},
+      {"concentrations beyond int32_T", 8, {1, 16}, {1, 16}, {65536, 65536}, 9216, 16},
+      {"refused, concentrations capped", 0, {1, 8}, {1, 8}, {1, 1000000}, 9216, 8},
       {"absurd sizes, capped", 8, {1, 2000000000}, {1, 8}, {1, 1000000}, 9216, 221184},
       {"no curve at all", 10, {1, 4}, {1, 4}, {1, 0}, 0, 0}};
   for (const auto& c : cases) {
@@ -100,6 +103,11 @@ TEST(PrimaryFitEntry, RefusedAndFailedCalls) {
     const real_T* b = buffer.data();
     expectWholeCallFailure(primaryFit(c.points, b, c.den, b, c.sig, b, c.conc), c.rows, c.maskEntries);
   }
+  // A signal whose last curve is short is refused before it is read (it is
+  // exactly as long as it says).
+  const std::vector<real_T> den(60, 1.0), sig(55, 1.0), conc(6, 1.0);
+  const int32_T denSize[2] = {1, 60}, sigSize[2] = {1, 55}, concSize[2] = {1, 6};
+  expectWholeCallFailure(primaryFit(10, den.data(), denSize, sig.data(), sigSize, conc.data(), concSize), 6, 60);
   expectWholeCallFailure(primaryFit(Plate({1.0, 2.0}, 2, 400)), 4, 1600);
   expectWholeCallFailure(primaryFit(Plate({2.0}, 97, 8)), 97, 776);  // 97 curves that would fit
 }

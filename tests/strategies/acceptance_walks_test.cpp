@@ -123,8 +123,12 @@ TEST(StageWalks, BestStartHeldTableAndBothHeld) {
   EXPECT_TRUE(bothHeldAccepted(bothGood, 2, true));
   EXPECT_FALSE(bothHeldAccepted(oneGood, 2, true));
   EXPECT_TRUE(bothHeldAccepted(oneGood, 2, false));
-  const real_T bestBelow[2] = {below(0.99), 0.5};
+  const real_T bestBelow[2] = {below(0.99), 0.5}, bestAt[2] = {0.99, 0.5};
   EXPECT_FALSE(bothHeldAccepted(bestBelow, 2, false));
+  EXPECT_TRUE(bothHeldAccepted(bestAt, 2, false));
+  const real_T lastNaN[3] = {0.999, 0.995, NAN}, three[3] = {0.999, 0.995, 0.99};
+  EXPECT_FALSE(bothHeldAccepted(lastNaN, 3, true));
+  EXPECT_TRUE(bothHeldAccepted(three, 3, true));
 }
 
 TEST(PairLadder, TiesGoToTheUnfoldedTable) {

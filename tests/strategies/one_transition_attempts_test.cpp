@@ -89,6 +89,7 @@ TEST(Attempt1Members, HeldEntriesKeepTheirStart) {
       {Attempt1::KeepNativeAt,        3.0, {0, 0},       {0, 0},      {3.0, kFree, kFree, last[0], last[1]}},
       {Attempt1::KeepUnfoldedAt,      3.0, {0, 0},       {2.1, 0.03}, {3.0, kFree, kFree, 2.1, 0.03}},
       {Attempt1::BothCore,           -1.0, {9.9, 0.0},   {0.0, 0.02}, {kFree, 9.9, 0.001, y[47], 0.02}},
+      {Attempt1::BothCore,           -1.0, {0.0, -0.04}, {2.1, 0.0},  {kFree, y[0], -0.04, 2.1, 0.001}},
       {Attempt1::NativeSegmentCore,  -1.0, {9.9, -0.04}, {0, 0},
        {kFree, 9.9, -0.04, seg.unfoldedIntercept, seg.unfoldedSlope}},
       {Attempt1::UnfoldedFlatCoreAt,  3.0, {0, 0},       {2.1, 0.03}, {3.0, y[0], 0.001, 2.1, 0.03}}};

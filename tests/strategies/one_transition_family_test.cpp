@@ -78,7 +78,7 @@ TEST(OneTransitionEstimate, MidpointMembersRunOnlyAboveZero) {
     }
     real_T both[2][7];
     for (int k = 0; k < 2; ++k)
-      strategy::runHeldMember<F>(F::kBothHeld[k], points, kFixedRT, b, e, both[k]);
+      strategy::runMember<F>(F::kBothHeld[k], points, kFixedRT, b, e, both[k]);
     EXPECT_FALSE(failed(both[0]));
     EXPECT_EQ(failed(both[1]), midpoint == 0.0);
   }

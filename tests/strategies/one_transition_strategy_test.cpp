@@ -82,6 +82,7 @@ TEST(FitOneTransitionPath, EachCurveTakesItsExit) {
       {"pairNative",    48, 7500.0, 5.0, -0.6,  0.3, 0.0,    3,   5,   39,  46},
       {"pairUnfolded",  48, 4500.0, 3.0, -0.6,  0.3, 0.01,   3,   6,   39,  47},
       {"firstPass",     48, 9750.0, 6.5, -0.6, -0.3, 0.01,   3,   25,  39,  64},
+      {"firstPlace",    44, 5.1 * 1648.0, 5.1, 0.5, 0.1, 0.032, 2648, 23, 39, 64},
       {"noUnfolded",    96, 8000.0, 7.0, -0.1,  0.0, 0.0,    7,   3,   39,  44},
       {"oneNativeStart",48, 9750.0, 6.5, -0.6,  0.3, 0.0,    1,   3,   39,  44},
       {"nothingPassed", 96, 5200.0, 3.6,  0.0,  0.0, 0.1875, 7,   34,  39,  64}};
@@ -126,6 +127,14 @@ TEST(FitOneTransitionMasked, TrimsDropEndPointsAndMeasureOnThePointsKept) {
   const Row one = fitMasked(Pass::Main, last);
   expectExit(one, 38.0);
   EXPECT_EQ(maskOut, expected);
+  // The first point goes when only the unfolded baseline is known: here the
+  // first point is pulled above the native plateau.
+  Curve first = synthetic(48, 4500.0, 3.0, -0.6, -0.3);
+  first.y[0] += 0.5;
+  expectExit(fitMasked(Pass::Main, first), 38.0);
+  std::vector<int32_T> firstOff(48, 1);
+  firstOff[0] = 0;
+  EXPECT_EQ(maskOut, firstOff);
   // The last point goes by its own entry, whatever its neighbour's.
   std::vector<int32_T> secondLastOff(96, 1);
   secondLastOff[94] = 0;
@@ -152,6 +161,52 @@ TEST(FitOneTransitionMasked, TrimsDropEndPointsAndMeasureOnThePointsKept) {
   expectExit(three, 43.0);
   mask[47] = 0;
   EXPECT_EQ(maskOut, mask);
+}
+
+// One transition never lacks a start (its refinement slot takes part in the
+// best-start walk at 0.0).  Without that slot, a step no plausible transition
+// fits has none: each pass then ends on its own code, and the masked form
+// first takes off the curve's first point, then its last.
+struct WithoutRefinementSlot : OneTransitionFamily {
+  static constexpr int kBestWalkEnd = 8;
+};
+
+TEST(NoStart, EachPassEndsOnItsCodeAndTheMaskedFormDropsEnds) {
+  using G = WithoutRefinementSlot;
+  Curve step{test::grid(24, 0.0, 8.0), std::vector<real_T>(24, 0.0)};
+  for (int32_T i = 12; i < 24; ++i) step.y[i] = 1.0;
+  Row whole;
+  strategy::fitWhole<G>(step.x.data(), 24, step.y.data(), 24, 25.0, whole.v);
+  expectExit(whole, 33.0);
+  const struct { Pass pass; real_T code; } passes[] = {{Pass::TrimOne, 37.0}, {Pass::TrimBoth, 42.0}};
+  for (const auto& p : passes) {
+    Row row;
+    std::vector<int32_T> mask(24, 1), out(24);
+    strategy::fitTrimmed<G>(p.pass, step.x.data(), 24, step.y.data(), 24, mask.data(), 24, 25.0,
+                            row.v, out.data());
+    expectExit(row, p.code);
+  }
+  for (const bool firstOn : {true, false}) {
+    std::vector<int32_T> mask(24, 1), expected(24, 1), out(24);
+    mask[0] = firstOn ? 1 : 0;
+    expected[0] = expected[23] = 0;
+    Row row;
+    strategy::fitMasked<G>(step.x.data(), 24, step.y.data(), 24, mask.data(), 24, 25.0, row.v,
+                           out.data());
+    expectExit(row, 33.0);
+    EXPECT_EQ(out, expected) << firstOn;
+  }
+  // Nine points on: taking off the first leaves eight, taking off the last
+  // seven, too few for a fit.
+  std::vector<int32_T> nine(24, 0), out(24);
+  for (int32_T i : {0, 9, 10, 11, 12, 13, 14, 15, 23}) nine[i] = 1;
+  Row row;
+  strategy::fitMasked<G>(step.x.data(), 24, step.y.data(), 24, nine.data(), 24, 25.0, row.v,
+                         out.data());
+  expectExit(row, 1.0);
+  EXPECT_EQ(row.v[6], 0.0);  // the one-transition layout of a mask too short
+  nine[0] = nine[23] = 0;
+  EXPECT_EQ(out, nine);
 }
 
 }  // namespace
