@@ -100,6 +100,8 @@ void buildCurveMask(const real_T* x, const real_T* y, int32_T n, const real_T* r
     real_T freePassRow[kRowColumns];
     writeBlankRow(freePassRow);
     heldPassRow[kColCode] = 12.0;
+    // All points until a round fits: the pass compares each round's mask with it.
+    std::fill_n(freePassMask, n, 1);
     refitPass<T>(x, y, n, referenceRow, false, 5, kFreePassEnds, freePassRow, freePassMask);
     if (Family<T>::maskFreePassStands(freePassRow, referenceRow))
       take(freePassRow, freePassMask, n, row, mask);
