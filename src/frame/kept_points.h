@@ -24,6 +24,9 @@ int32_T gatherKept(const X& x, const Y& y, const Mask& mask, int32_T n, real_T* 
   return kept;
 }
 
+// A curve whose first and last abscissas are equal spans no width in x.
+inline bool spansNoWidth(const real_T* x, int32_T n) { return x[0] == x[n - 1]; }
+
 // Whether two masks of n points agree entry by entry.
 inline bool sameMask(const int32_T* a, const int32_T* b, int32_T n) {
   return std::equal(a, a + n, b);

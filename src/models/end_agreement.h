@@ -13,6 +13,9 @@ namespace quent {
 // energy is negative (with two or three transitions also when it is NaN),
 // when y has fewer than 5 points or not as many as the fraction was evaluated
 // at (min(xCount, 384)), or when the first fraction is -1 or below.
+// Whether a flag of endAgreement says the fit meets that end.
+inline bool meetsEnd(real_T flag) { return flag > 0.0; }
+
 template <int T>
 void endAgreement(const real_T* x, int32_T xCount, const real_T* y, int32_T yCount,
                   const real_T* params, real_T out[2]);

@@ -23,8 +23,8 @@ bool failsAcceptanceGates(const real_T* row) {
 }
 
 bool applyAcceptanceGates(real_T* row) {
-  if (row[kColRT] >= 0.0 && failsAcceptanceGates(row)) writeClearedRow(kRejectedCode, row);
-  if (!(row[kColRT] < 0.0)) return false;
+  if (rowHasFit(row) && failsAcceptanceGates(row)) writeClearedRow(kRejectedCode, row);
+  if (rowHasFit(row)) return false;
   for (int c = 0; c < kColRT; ++c) row[c] = 0.0;
   for (int c = kColRSquared; c < kRowColumns; ++c) row[c] = 0.0;
   return true;

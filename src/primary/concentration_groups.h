@@ -13,10 +13,10 @@ struct ConcentrationGroups {
   // Rounds of a group scan.  Counted from the first curve's concentration,
   // so it comes out one too high when that is not the lowest: the scan then
   // ends with a round at concentration 0 that finds no curve.
-  int32_T groupCount = 0;
+  int32_T groupCount{};
   real_T uniqueConc[kMaxCurves + 1] = {};  // groupCount entries, ascending
-  real_T topConc = 0.0;                    // highest concentration, NaNs passed over
-  int32_T topIndex = 0;                    // first curve that has it
+  real_T topConc{};                    // highest concentration, NaNs passed over
+  int32_T topIndex{};                    // first curve that has it
 };
 
 // For curveCount (1 to 96) concentrations.  Equal concentrations are expected

@@ -25,7 +25,7 @@ thread_local int32_T spikeMask[kMaxFitPoints];
 
 bool refusedCurve(const real_T* x, int32_T xCount, int32_T yCount, int32_T minPoints) {
   const int32_T n = xCount;
-  return xCount != yCount || n < minPoints || n > kMaxFitPoints || x[0] == x[n - 1];
+  return xCount != yCount || n < minPoints || n > kMaxFitPoints || spansNoWidth(x, n);
 }
 
 template <class F>

@@ -36,7 +36,7 @@ void finishPrimaryFit(const CallCurves& curves, const ConcentrationGroups& group
     return;
   }
 
-  if (!arrayResizeRowFill(fitRows, kRowColumns * curveCount, 0.0)) return;
+  if (!arrayResizeRow(fitRows, kRowColumns * curveCount)) return;  // every row is written
   real_T* const rows = fitRows->data;
   const auto row = [&](int32_T c) { return rows + kRowColumns * c; };
   for (int32_T c = 0; c < curveCount; ++c) {

@@ -15,8 +15,8 @@ struct CallCurves {
   VectorView<real_T> denaturant;
   VectorView<real_T> signal;
   VectorView<real_T> sampleConc;
-  int32_T pointsPerCurve = 0;
-  int32_T curveCount = 0;
+  int32_T pointsPerCurve{};
+  int32_T curveCount{};
 
   int32_T at(int32_T curve, int32_T point) const {
     return saturatingAdd(saturatingMul(curve, pointsPerCurve), point);

@@ -23,7 +23,8 @@ thread_local real_T maskCurveX[kMaxCurvePoints];
 thread_local real_T maskCurveY[kMaxCurvePoints];
 
 // Rows and point masks of every curve under the reference row.  A curve whose
-// row failed reports no discarded points.
+// row failed reports no discarded points: a pass that never fitted leaves
+// its mask all ones.
 void buildPointMasks(const CallCurves& curves, int32_T stateCount, const real_T* referenceRow,
                      real_T* rows, int32_T* mask) {
   const int32_T n = curves.pointsPerCurve;
@@ -35,8 +36,6 @@ void buildPointMasks(const CallCurves& curves, int32_T stateCount, const real_T*
       buildCurveMask<F::T>(maskCurveX, maskCurveY, n, referenceRow, row, curveMask);
     });
   }
-  for (int32_T c = 0; c < curves.curveCount; ++c)
-    if (!rowHasFit(rows + kRowColumns * c)) std::fill_n(mask + curves.at(c, 0), n, 1);
 }
 
 }  // namespace
@@ -67,7 +66,7 @@ void primaryFit(int32_T pointsPerCurve, const real_T* denaturant, const int32_T*
     return;
   }
 
-  if (!arrayResizeRowFill(fitRows, kRowColumns * curveCount, 0.0) ||
+  if (!arrayResizeRow(fitRows, kRowColumns * curveCount) ||
       !arrayResizeRow(pointMask, curveCount * pointsPerCurve))
     return;
   buildPointMasks(curves, stateCount, referenceRow, fitRows->data, pointMask->data);

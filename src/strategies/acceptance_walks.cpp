@@ -5,6 +5,7 @@
 
 #include <cmath>
 
+#include "models/end_agreement.h"
 #include "numerics/order_statistics.h"
 
 namespace quent {
@@ -38,7 +39,7 @@ BestSlot bestSlot(const real_T* scores, int first, int end, int fallback) {
 
 int heldTableWalk(const real_T* flags, const real_T* sortedScores, int slots) {
   for (int k = 0; k < slots; ++k)
-    if (flags[k] > 0.0 && sortedScores[k] >= kGoodScore) return k;
+    if (meetsEnd(flags[k]) && sortedScores[k] >= kGoodScore) return k;
   return -1;
 }
 

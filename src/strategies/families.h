@@ -17,6 +17,11 @@ namespace quent {
 template <class... Families>
 struct FamilyList {};
 
+// Each family is named by its transitions plus one.
+static_assert(Family<1>::T == 1 && Family<2>::T == 2 && Family<3>::T == 3);
+static_assert(Family<1>::kStateCount == 2 && Family<2>::kStateCount == 3 &&
+              Family<3>::kStateCount == 4);
+
 // One transition first: it is the family of every state count not listed.
 using RegisteredFamilies = FamilyList<Family<1>>;
 

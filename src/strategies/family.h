@@ -7,14 +7,14 @@
 //   T, Layout               transitions and their parameter vector
 //   kStateCount             the host's name of the family (transitions + 1)
 //   kMinPoints              least number of (kept) points any fit of it takes
-//   kUsableMinPoints        least number of points of a curve worth testing
 //   kShareMin, kShareMax, kSharesSumBelowOne   plausible amplitude shares
 //   kRefitFree, kRefitHeld  held entries of the refits from a reference row
 //   kHeldRefitCode (and kFreeRefitCode, maskFreePassStands, finalSharesClose
 //                           where the family has shares to free)
 // and, once its strategies are in the library (families.h registers it):
 //   Attempt, kAttempts      its attempt members, as rows of one table
-//   kUsableAttempts         the members a usable curve is tested with, at a fixed RT
+//   kUsableMinPoints, kUsableAttempts   the least points of a curve worth testing,
+//                           and the members it is tested with at a fixed RT
 //   kNoEstimate             the estimate of those tests
 //   startVector             a member's start vector from its baselines and estimate
 //   StartTable, HeldTable   AttemptTable types of its start and held tables

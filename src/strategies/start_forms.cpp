@@ -26,10 +26,10 @@ void guardFlatStart(BaselinePairs& b, bool nativeGiven, bool unfoldedGiven, cons
                     int32_T n) {
   if (nativeGiven && b.nativeSlope == 0.0) b.nativeSlope = kTokenSlope;
   if (unfoldedGiven && b.unfoldedSlope == 0.0) b.unfoldedSlope = kTokenSlope;
+  // A slope is the flat one, 0.001, or a given one just guarded: only an
+  // intercept can still be 0.0 here.
   if (b.nativeIntercept == 0.0) b.nativeIntercept = y[0];
-  if (b.nativeSlope == 0.0) b.nativeSlope = kTokenSlope;
   if (b.unfoldedIntercept == 0.0) b.unfoldedIntercept = y[n - 1];
-  if (b.unfoldedSlope == 0.0) b.unfoldedSlope = kTokenSlope;
 }
 
 }  // namespace quent

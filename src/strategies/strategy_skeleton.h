@@ -119,12 +119,12 @@ HeldBaselines baselinesFromGoodSlots(const Table& t) {
   int32_T nativeCount = 0, unfoldedCount = 0;
   for (int s = 0; s < Table::kSlots; ++s) {
     if (!(t.score[s] >= kGoodScore)) continue;
-    if (t.nativeFlag[s] > 0.0) {
+    if (meetsEnd(t.nativeFlag[s])) {
       native[0] += t.at(s, L::nativeIntercept);
       native[1] += t.at(s, L::nativeSlope);
       ++nativeCount;
     }
-    if (t.unfoldedFlag[s] > 0.0) {
+    if (meetsEnd(t.unfoldedFlag[s])) {
       unfolded[0] += t.at(s, L::unfoldedIntercept);
       unfolded[1] += t.at(s, L::unfoldedSlope);
       ++unfoldedCount;
@@ -387,7 +387,7 @@ void fitWhole(const real_T* x, int32_T xCount, const real_T* y, int32_T yCount,
     writeFailed<F>(codes.noChange, row);
     return;
   }
-  if (x[0] == x[n - 1]) {
+  if (spansNoWidth(x, n)) {
     writeFailed<F>(codes.flatX, row);
     return;
   }
@@ -414,7 +414,7 @@ void fitMasked(const real_T* x, int32_T xCount, const real_T* y, int32_T yCount,
   }
   CompactCurve kept;
   compact(x, y, mask, n, kept);
-  if (kept.x[0] == kept.x[kept.n - 1]) {
+  if (spansNoWidth(kept.x, kept.n)) {
     writeFailed<F>(codes.flatX, row);
     return;
   }
@@ -441,7 +441,7 @@ void fitTrimmed(Pass pass, const real_T* x, int32_T xCount, const real_T* y, int
     writeFailed<F>(codes.noChange, row);
     return;
   }
-  if (kept.x[0] == kept.x[kept.n - 1]) {
+  if (spansNoWidth(kept.x, kept.n)) {
     writeFailed<F>(codes.flatX, row);
     return;
   }

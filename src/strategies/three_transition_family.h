@@ -22,7 +22,6 @@ struct Family<3> {
   using Layout = TransitionLayout<3>;
   static constexpr int32_T kStateCount = 4;
   static constexpr int32_T kMinPoints = 24;
-  static constexpr int32_T kUsableMinPoints = 16;
 
   // The third share is tested only through the sum of the first two, so it
   // may be arbitrarily small while they may not.

@@ -23,7 +23,6 @@ struct Family<2> {
   static constexpr int32_T kStateCount = 3;
   // Twice the points of one transition.
   static constexpr int32_T kMinPoints = 16;
-  static constexpr int32_T kUsableMinPoints = 12;
 
   static constexpr real_T kShareMin = 0.08;
   static constexpr real_T kShareMax = 0.92;

@@ -201,7 +201,8 @@ TEST(AcceptanceGates, Bounds) {
       {4, -1.0, true}, {14, NAN, false}, {15, NAN, false}, {12, -1.0, true}};
   for (const auto& c : cases) {
     std::vector<real_T> r(24, 0.0), failed(24, 0.0);
-    r[4] = 1000.0, r[5] = 3.0, r[12] = 592.0, r[13] = 5.0, r[14] = 0.99, r[15] = 100.0;
+    r[0] = 7.0, r[4] = 1000.0, r[5] = 3.0, r[12] = 592.0, r[13] = 5.0, r[14] = 0.99, r[15] = 100.0;
+    r[23] = 0.5;
     r[c.column] = c.value;
     failed[12] = -1.0, failed[13] = c.column == 12 ? 5.0 : 12.0;
     if (c.column != 12) { EXPECT_EQ(failsAcceptanceGates(r.data()), c.fails); }

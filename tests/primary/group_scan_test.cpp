@@ -180,6 +180,24 @@ TEST(GroupScan, EightPointsFitAndATinyInterceptStops) {
   EXPECT_EQ(Vec(row, row + kRowColumns), fitOf(40, 10.0, 3.0));
 }
 
+// The fallback fits single curves from the highest concentration down, until
+// one fits: here the first, at the top, while the other is flat.
+TEST(GroupScan, FallbackStartsAtTheTop) {
+  Vec den, sig;
+  transition(40, 3.0, den, sig, 10.0);
+  const Vec x = den;
+  den.insert(den.end(), x.begin(), x.end());
+  sig.insert(sig.end(), 40, 50.0);
+  const Vec conc{2.0, 1.0};
+  const CallCurves call{view(den), view(sig), view(conc), 40, 2};
+  real_T row[kRowColumns];
+  fallbackScan(call, ScanSource{}, 2, 25.0, row);
+  Vec expected(kRowColumns);
+  std::vector<int32_T> mask(40);
+  fitWithMaskRevision(x.data(), sig.data(), 40, 2, 25.0, expected.data(), mask.data());
+  EXPECT_TRUE(expected[12] > 0.0 && Vec(row, row + kRowColumns) == expected);
+}
+
 // When no group of the masked scan has eight kept points, the reference row
 // stays all zeros with RT 0.  That is no failure of the call: each curve is
 // refitted from it, fails, and leaves the blank row with all its points kept.

@@ -23,6 +23,7 @@ TEST(ScreenSpikes, Cases) {
       {"odd, last point", {0, 0, 0, 1, 1, 1, 1.2}, {1, 1, 1, 1, 1, 1, 1}},
       {"even, last point", {0, 0, 0, 0, 1, 1, 1, 1.2}, {1, 1, 1, 1, 1, 1, 1, 0}},
       {"fewer than five points", {0, 9, 0, 9}, {1, 1, 1, 1}},
+      {"five points", {0, 0, 9, 0, 0}, {1, 1, 0, 1, 1}},
       {"the two highest left out of the spread", {0, 0, 0, 1e-3, 0, 0, 0.5, 0.5}, {1, 1, 1, 0, 1, 1, 1, 1}},
       // Spread from the third-lowest (0) to the third-highest (2): 0.3.  The
       // bump of 0.4 stays under its threshold of 0.54, the ramp's steps of 1

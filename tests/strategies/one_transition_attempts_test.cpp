@@ -58,6 +58,10 @@ TEST(SegmentBaselines, StraightEndsPlainBentEndsFittedShortCurvesPadded) {
   // strays only at w = 3, whose line would start three points before the curve.
   const Points four = line({1.0, 2.0, 3.0, 4.2});
   expectBaselines(four, {0.001, 1.0}, lineFit(four.x.data(), four.y.data(), 4));
+  // A fitted line through the origin takes the end's signal as intercept.
+  Points origin = line({10, 10, 10, 10, -1.5, -0.5, 0.5, 1.5});
+  origin.x = {-5.5, -4.5, -3.5, -2.5, -1.5, -0.5, 0.5, 1.5};
+  expectBaselines(origin, {0.001, 10.0}, {1.0, 1.5});
   // The unfolded stretch widens to eleven slopes at most: a stray twelfth
   // slope from the end is never seen.
   const Points eleven = line({0, 0, 0, 0, -5, -4, -3, -2, -1, 0, 1, 2, 3, 4, 5, 6});

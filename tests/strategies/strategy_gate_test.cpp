@@ -36,14 +36,14 @@ class StrategyGate : public ::testing::Test {
   }
   // Pass::Main is the masked form itself; the others its retries.
   static Fit masked(Pass pass, const std::vector<real_T>& x, const std::vector<real_T>& y,
-                    std::vector<int32_T> mask = {}) {
+                    std::vector<int32_T> mask = {}, real_T temperature = 25.0) {
     if (mask.empty()) mask.assign(x.size(), 1);
     Fit f;
     f.maskOut.assign(mask.size(), -7);
     const int32_T n = static_cast<int32_T>(x.size()), m = static_cast<int32_T>(mask.size());
     if (pass == Pass::Main)
-      strategy::fitMasked<F>(x.data(), n, y.data(), n, mask.data(), m, 25.0, f.row.data(),
-                             f.maskOut.data());
+      strategy::fitMasked<F>(x.data(), n, y.data(), static_cast<int32_T>(y.size()), mask.data(),
+                             m, temperature, f.row.data(), f.maskOut.data());
     else
       strategy::fitTrimmed<F>(pass, x.data(), n, y.data(), n, mask.data(), m, 25.0, f.row.data(),
                               f.maskOut.data());
@@ -120,6 +120,15 @@ TYPED_TEST(StrategyGate, MaskedFormCountsThePointsLeftOn) {
   mask.pop_back();
   G::expectFailed(G::masked(Pass::Main, x, y, mask), G::L::codes[0].badInput);
   EXPECT_EQ(G::masked(Pass::Main, x, y, mask).maskOut, mask);
+
+  // The gate of the whole curve holds for the masked form too.
+  const int badInput = G::L::codes[0].badInput;
+  for (real_T t : {-0.1, 100.1}) G::expectFailed(G::masked(Pass::Main, x, y, {}, t), badInput);
+  G::expectFailed(G::masked(Pass::Main, x, std::vector<real_T>(y.begin(), y.end() - 1)), badInput);
+  G::curve(385, x, y);
+  G::expectFailed(G::masked(Pass::Main, x, y), badInput);
+  G::curve(384, x, y);
+  EXPECT_GT(G::masked(Pass::Main, x, y).row[kColRT], 0.0);
 }
 
 }  // namespace
