@@ -189,6 +189,13 @@ TEST(FreeEnergyTrend, OneValidCurve) {
   const VectorView<int32_T> flagView{flags.data(), 1, 2};
   freeEnergyTrend({conc.data(), 1, 2}, 2, &flagView, flagged.data());
   EXPECT_TRUE(flagged[4] == dG && flagged[36] == -1.0 && flagged[28] == 9000.0);
+  // A second transition is followed too (m 2000 at Cm 2), a third nobody shows is not.
+  std::vector<real_T> two(24, 0.0);
+  two[4] = 6000.0, two[5] = 3.0, two[6] = 4000.0, two[7] = 2.0, two[12] = 600.0;
+  freeEnergyTrend({conc.data(), 1, 1}, 1, nullptr, two.data());
+  const real_T dG2 = 2.0 * (std::log(conc[0]) * (2000.0 / std::log(conc[0])) + 0.0);
+  EXPECT_TRUE(two[6] == dG2 && two[19] == std::exp(-(dG2 / 600.0)) * 1e6);
+  EXPECT_TRUE(two[9] == 0.0 && two[20] == 0.0);
 }
 
 // Each gate at its bound: R squared 0.95 and an error of exactly a quarter of

@@ -111,6 +111,7 @@ TEST(GroupScan, RoundsAndVariants) {
     Vec x, y;
     for (int32_T i = 0; i < 40; ++i) {
       const bool a = !mask || (*mask)[i], b = !mask || (*mask)[40 + i];
+      if (!a && !b) continue;
       const real_T mean = a && b ? (sig[i] + sig[40 + i]) / 2 : a ? sig[i] : sig[40 + i];
       if (mean > 0.0) x.push_back(den[i]), y.push_back(mean);
     }
@@ -134,6 +135,11 @@ TEST(GroupScan, RoundsAndVariants) {
   for (int32_T i = 33; i < 160; i += 40) std::fill(mask.begin() + i, mask.begin() + i + 7, 1);
   scan({1, 1, 2, 2}, &mask, row);
   EXPECT_EQ(Vec(row, row + kRowColumns), Vec(kRowColumns, 0.0));
+  // Eight kept points about the midpoint are enough for a fit.
+  mask.assign(160, 0);
+  for (int32_T i = 24; i < 40; i += 2) mask[i] = mask[40 + i] = 1;
+  const Vec eight = scan({1, 1, 2, 2}, &mask, row);
+  EXPECT_TRUE(eight[12] > 0.0 && std::equal(row, row + kRowColumns, eight.begin()));
 }
 
 // A round fits once its mean curve has the least number of points of the
