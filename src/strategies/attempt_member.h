@@ -14,8 +14,10 @@ namespace quent {
 // absent, and then the start form's.
 enum class PairFrom : unsigned char { Curve, Given };
 
-// The estimate of the transitions a member takes, if any.
-enum class Takes : unsigned char { Nothing, Midpoint, Amplitude, Amplitudes, Midpoints };
+// The estimate of the transitions a member takes, if any.  A member taking
+// an amplitude starts from it only while it is usable; one taking it as
+// given always does, its caller having filtered it.
+enum class Takes : unsigned char { Nothing, Midpoint, Midpoints, Amplitude, AmplitudeAsGiven };
 
 template <int P>
 struct AttemptMember {
@@ -35,6 +37,12 @@ template <int P>
 constexpr AttemptMember<P> always(const char* name, StartForm form, PairFrom native,
                                   PairFrom unfolded, HeldMask<P> m) {
   return {name, form, native, unfolded, Takes::Nothing, {{{m, m}, {m, m}}, {{m, m}, {m, m}}}};
+}
+
+// The mask of every case, for a member that takes an estimate.
+template <int P>
+constexpr AttemptMember<P> taking(const char* name, StartForm form, Takes takes, HeldMask<P> m) {
+  return {name, form, PairFrom::Curve, PairFrom::Curve, takes, {{{m, m}, {m, m}}, {{m, m}, {m, m}}}};
 }
 
 // One mask while the estimate is usable, another otherwise.

@@ -2,7 +2,8 @@
 // baselines of the member's form, with the pairs it takes replaced where they
 // are given; a start vector from the family; a held fit under the mask that
 // the member names for its case; then canonical order and plausibility, so
-// that a refused fit comes back as a failed vector.
+// that a refused fit comes back as a failed vector.  Members of the split
+// form run their family's own procedure instead.
 #pragma once
 
 #include "engine/levenberg_marquardt.h"
@@ -25,6 +26,12 @@ void runAttempt(typename F::Attempt id, const CurvePoints& c, real_T RT,
                 const typename F::Estimate& e, const real_T nativePair[2],
                 const real_T unfoldedPair[2], real_T* result) {
   const auto& m = F::kAttempts[static_cast<int>(id)];
+  if constexpr (requires { F::splitAttempt(m, c, RT, e, result); }) {
+    if (m.form == StartForm::Split) {
+      F::splitAttempt(m, c, RT, e, result);
+      return;
+    }
+  }
   const bool nativeGiven = m.native == PairFrom::Given && pairGiven(nativePair);
   const bool unfoldedGiven = m.unfolded == PairFrom::Given && pairGiven(unfoldedPair);
 

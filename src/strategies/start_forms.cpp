@@ -17,6 +17,7 @@ BaselinePairs startBaselines(StartForm form, const real_T* x, const real_T* y, i
     case StartForm::Flat:
       return {y[0], kTokenSlope, y[n - 1], kTokenSlope};
     case StartForm::Segment:
+    case StartForm::Split:
       break;
   }
   return segmentBaselines(x, y, n);

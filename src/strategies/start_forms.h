@@ -10,7 +10,9 @@ namespace quent {
 
 // three-point: a line through the first three and the last three points;
 // flat: the end signals with a token slope; segment: segmentBaselines.
-enum class StartForm : unsigned char { ThreePoint, Flat, Segment };
+// split: the curve cut in two, one transition fitted to each part, and the
+// parts joined into a start of the whole (the family's own procedure).
+enum class StartForm : unsigned char { ThreePoint, Flat, Segment, Split };
 
 // Quantities of the n points, x ascending (n >= 3).
 inline real_T midX(const real_T* x, int32_T n) { return x[0] + (x[n - 1] - x[0]) / 2.0; }

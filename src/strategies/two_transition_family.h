@@ -1,7 +1,10 @@
 // The two-transition family: two transitions in sequence through one
 // intermediate state, amp1 being the share of the signal change that the
-// first transition makes.  What the library knows of it stands here; its
-// attempts and strategy join it when the family is registered (families.h).
+// first transition makes.  Everything the library knows of it stands here:
+// its vector, the limits and codes of its fits, its attempts and the tables
+// and ladders of its strategy.  Its estimate is a pair of midpoints, which
+// only seeds the cut of the split attempts, and an amplitude, which the held
+// stages take; neither is revised from the good starts.
 #pragma once
 
 #include <cmath>
@@ -11,6 +14,7 @@
 #include "models/curve_models.h"
 #include "quent_dgtrend.h"
 #include "strategies/family.h"
+#include "strategies/two_transition_attempts.h"
 
 namespace quent {
 
@@ -23,6 +27,7 @@ struct Family<2> {
   static constexpr int32_T kStateCount = 3;
   // Twice the points of one transition.
   static constexpr int32_T kMinPoints = 16;
+  static constexpr int32_T kUsableMinPoints = 12;
 
   static constexpr real_T kShareMin = 0.08;
   static constexpr real_T kShareMax = 0.92;
@@ -46,6 +51,104 @@ struct Family<2> {
   static bool finalSharesClose(const real_T* bestRow, const real_T* reference) {
     return std::fabs(bestRow[kColShare[0]] - reference[kColShare[0]]) < 0.1;
   }
+
+  // ---- Attempts.
+  using Attempt = attempts2::Attempt;
+  using Member = AttemptMember<10>;
+  static constexpr const auto& kAttempts = attempts2::kMembers;
+  // The slope-peak midpoints, ascending (-1.0, -1.0 for none), and the
+  // estimate of amp1 (-1.0 for none).
+  struct Estimate {
+    real_T midpoints[2];
+    real_T amplitude;
+  };
+  static constexpr Estimate kNoEstimate{{kFailed, kFailed}, kFailed};
+  static constexpr Attempt kUsableAttempts[] = {Attempt::ThreePointFull, Attempt::ThreePointCore,
+                                                Attempt::FlatCore, Attempt::SegmentCore,
+                                                Attempt::SplitHalf};
+
+  // The start vector of a member: the form's energies, midpoints at a third
+  // and two thirds of the x range, and amp1 0.5 unless the member takes the
+  // amplitude.  Returns whether it did.
+  static bool startVector(const Member& m, const CurvePoints& c, const BaselinePairs& b,
+                          const Estimate& e, real_T RT, real_T* start);
+  // The split members, SplitAt cutting at the estimate's midpoints.
+  static void splitAttempt(const Member& m, const CurvePoints& c, real_T RT, const Estimate& e,
+                           real_T* result);
+
+  // ---- Strategy.
+  // Slots 0 to 4: free and split starts; 5: split at the slope peaks; 6:
+  // split at the best start's midpoints; 7 to 10: the amplitude members.
+  using StartTable = AttemptTable<10, 11>;
+  using HeldTable = AttemptTable<10, 8>;
+  static constexpr int kHeldScored = 8;
+  // Only the slots scored so far take part: no start below 0.0 is a real exit.
+  static constexpr int kBestWalkEnd = 6;
+  // The better of the two passing is enough.
+  static constexpr bool kBothHeldEvery = false;
+  static constexpr FlatCurve kFlatCurve = FlatCurve::GoesOn;
+  static constexpr bool kTrimsEnds = true;
+
+  static constexpr Attempt kStartSlots[5] = {Attempt::ThreePointFull, Attempt::ThreePointCore,
+                                             Attempt::FlatCore, Attempt::SegmentCore,
+                                             Attempt::SplitHalf};
+  static constexpr Attempt kAmplitudeSlots[4] = {
+      Attempt::ThreePointFullAmp, Attempt::ThreePointCoreAmp, Attempt::FlatCoreAmp,
+      Attempt::SegmentCoreAmp};
+  // Even slots free the amplitude, odd slots start from it.
+  static constexpr Attempt kNativeHeld[8] = {
+      Attempt::KeepNative,           Attempt::KeepNativeAmp,
+      Attempt::NativeThreePointCore, Attempt::NativeThreePointCoreAmp,
+      Attempt::NativeFlatCore,       Attempt::NativeFlatCoreAmp,
+      Attempt::NativeSegmentCore,    Attempt::NativeSegmentCoreAmp};
+  static constexpr Attempt kUnfoldedHeld[8] = {
+      Attempt::KeepUnfolded,           Attempt::KeepUnfoldedAmp,
+      Attempt::UnfoldedThreePointCore, Attempt::UnfoldedThreePointCoreAmp,
+      Attempt::UnfoldedFlatCore,       Attempt::UnfoldedFlatCoreAmp,
+      Attempt::UnfoldedSegmentCore,    Attempt::UnfoldedSegmentCoreAmp};
+  static constexpr Attempt kBothHeld[2] = {Attempt::BothCore, Attempt::BothCoreAmp};
+
+  //                 bad      no      flat  no     both  native   unfolded nothing
+  //                 input    change  x     start  held  held     held     passed
+  static constexpr PassCodes kCodes[3] = {
+      /* Main     */ {1,       32,    32,   33,    2,    3,       4,       34},
+      /* TrimOne  */ {kNoExit, 35,    36,   37,    38,   kNoExit, kNoExit, 39},
+      /* TrimBoth */ {kNoExit, 40,    41,   42,    43,   44,      45,      62}};
+
+  //                                     slot  margin   codes: main   both ends off
+  //                                                    native unf.   native unf.
+  static constexpr PairRung kPairRungs[8] = {{7,  0.0,     {5,  6},     {46, 47}},
+                                             {6,  0.0,     {7,  8},     {48, 49}},
+                                             {3, -0.0005,  {9,  10},    {50, 51}},
+                                             {2, -0.0005,  {11, 12},    {52, 53}},
+                                             {5,  0.0,     {13, 14},    {54, 55}},
+                                             {4,  0.0,     {15, 16},    {56, 57}},
+                                             {1,  0.001,   {17, 18},    {58, 59}},
+                                             {0,  0.001,   {19, 20},    {60, 61}}};
+  //                                                slot  code
+  static constexpr FirstPassRung kFirstPassRungs[11] = {{10, 21},
+                                                        {3,  22},
+                                                        {6,  23},
+                                                        {7,  24},
+                                                        {0,  25},
+                                                        {8,  26},
+                                                        {1,  27},
+                                                        {9,  28},
+                                                        {2,  29},
+                                                        {5,  30},
+                                                        {4,  31}};
+
+  // The held stages take an amplitude strictly inside (0, 1); the start table
+  // has its own, narrower bound (completeStartTable).
+  static bool estimateUsable(const Estimate& e) { return 0.0 < e.amplitude && e.amplitude < 1.0; }
+
+  static void startAttempts(const CurvePoints& c, real_T RT, StartTable& t, Estimate& e);
+  static void completeStartTable(const CurvePoints& c, real_T RT, int best, StartTable& t,
+                                 Estimate& e);
+  // Neither estimate is revised from the good starts, and the held tables
+  // have no refinement slot.
+  static void reviseEstimate(const CurvePoints&, const StartTable&, Estimate&) {}
+  static void refineHeldTable(const CurvePoints&, const int32_T*, HeldTable&) {}
 };
 
 using TwoTransitionFamily = Family<2>;

@@ -1,0 +1,21 @@
+// Starts for the two-transition fit from the curve cut in two: one transition
+// is fitted to each part and the parts are joined into a start of the whole,
+// which is then fitted with its baselines held.  The hardest curves, whose
+// transitions overlap, are seeded this way.
+#pragma once
+
+#include "quent_dgtrend.h"
+#include "strategies/family.h"
+
+namespace quent {
+
+// Cut where the two transitions of `midpointPair` meet (their mean), within
+// limits that leave each part at least a few points.  result: ten entries, all
+// -1.0 for a failed attempt.
+void attempt2SplitAt(const CurvePoints& c, const real_T midpointPair[2], real_T RT,
+                     real_T* result);
+
+// The same without known midpoints: cut at the middle of the points.
+void attempt2SplitHalf(const CurvePoints& c, real_T RT, real_T* result);
+
+}  // namespace quent
