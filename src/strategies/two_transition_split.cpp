@@ -31,12 +31,6 @@ constexpr int32_T kLeastPoints = 8;
 inline real_T at(const real_T* v, int32_T i) { return v[i - 1]; }
 inline int32_T rounded(real_T v) { return static_cast<int32_T>(roundHalfAway(v)); }
 
-// Where the curve is cut: the first part is positions 1 to e1, the second s2
-// to b; q1 and q2 are the positions of their start midpoints.
-struct Cut {
-  int32_T a, e1, s2, b;
-};
-
 // One half fitted with one transition, the start it came from, and its score.
 struct Half {
   const real_T* x;
@@ -75,21 +69,27 @@ void fitHalf(Half& h, real_T dG, real_T Cm, LineCoefficients native, LineCoeffic
 
 void fail(real_T* result) { std::fill_n(result, L2::kParams, kFailed); }
 
-// Steps common to both cuts, from the positions of the start midpoints on.
-void splitFrom(const CurvePoints& c, Cut cut, real_T RT, real_T* result) {
+// The start midpoints of the parts: a little inside each from its middle.
+SplitCut withStartPositions(SplitCut cut, int32_T n) {
+  const real_T w = roundHalfAway(n * 0.05);
+  cut.q1 = static_cast<int32_T>(std::ceil((cut.a + cut.e1) / 2.0 + w));
+  cut.q2 = static_cast<int32_T>(std::floor((cut.s2 + cut.b) / 2.0 - w));
+  if (cut.q1 <= 0 || cut.q1 > n) cut.q1 = rounded(cut.e1 * 0.6);
+  if (cut.q2 <= 0 || cut.q2 > n) cut.q2 = cut.s2 + rounded((cut.b - cut.s2) * 0.4);
+  return cut;
+}
+
+// Steps common to both cuts, from the fits of the parts on.
+void splitFrom(const CurvePoints& c, const SplitCut& cut, real_T RT, real_T* result) {
   const real_T* x = c.x;
   const real_T* y = c.y;
   const int32_T n = c.n;
-  const real_T w = roundHalfAway(n * 0.05);
-  int32_T q1 = static_cast<int32_T>(std::ceil((cut.a + cut.e1) / 2.0 + w));
-  int32_T q2 = static_cast<int32_T>(std::floor((cut.s2 + cut.b) / 2.0 - w));
-  if (q1 <= 0 || q1 > n) q1 = rounded(cut.e1 * 0.6);
-  if (q2 <= 0 || q2 > n) q2 = cut.s2 + rounded((cut.b - cut.s2) * 0.4);
+  const int32_T q1 = cut.q1, q2 = cut.q2;
   // Cuts of curves shorter than any strategy takes, or of x not ascending,
   // may name positions outside the curve: such an attempt fails.
   const auto inside = [n](int32_T p) { return p >= 1 && p <= n; };
-  if (!(cut.e1 >= 3 && inside(cut.e1) && inside(cut.s2) && cut.s2 + 2 <= cut.b && cut.b == n &&
-        inside(q1) && inside(q2))) {
+  if (!(cut.e1 >= 3 && inside(cut.e1) && inside(cut.s2) &&
+        cut.s2 + 2 <= cut.b && cut.b == n && inside(q1) && inside(q2))) {
     fail(result);
     return;
   }
@@ -173,19 +173,13 @@ void splitFrom(const CurvePoints& c, Cut cut, real_T RT, real_T* result) {
 
 }  // namespace
 
-void attempt2SplitAt(const CurvePoints& c, const real_T midpointPair[2], real_T RT,
-                     real_T* result) {
-  const int32_T n = c.n;
-  if (n < kLeastPoints) {
-    fail(result);
-    return;
-  }
+SplitCut splitCutAt(const real_T* x, int32_T n, const real_T midpointPair[2]) {
   const real_T mid = (midpointPair[0] + midpointPair[1]) / 2.0;
-  Cut cut{1, rounded(n / 2.0), rounded(n / 2.0), n};
+  SplitCut cut{1, rounded(n / 2.0), rounded(n / 2.0), n, 0, 0};
   // x ascending: e1 is the last position at or below mid, s2 the last below it.
   for (int32_T i = 1; i <= n; ++i) {
-    if (mid >= at(c.x, i)) cut.e1 = i;
-    if (mid > at(c.x, i)) cut.s2 = i;
+    if (mid >= at(x, i)) cut.e1 = i;
+    if (mid > at(x, i)) cut.s2 = i;
   }
   if (cut.e1 < 8) cut.e1 = 8;
   if (cut.e1 > n - 4) cut.e1 = n - 4;
@@ -203,21 +197,27 @@ void attempt2SplitAt(const CurvePoints& c, const real_T midpointPair[2], real_T 
     cut.s2 = rounded(n / 2.0);
     cut.b = n;
   }
-  splitFrom(c, cut, RT, result);
+  return withStartPositions(cut, n);
+}
+
+SplitCut splitCutInHalf(const real_T* x, int32_T n) {
+  const real_T xa = at(x, static_cast<int32_T>(std::ceil(n * 0.5)));
+  const real_T xb = at(x, static_cast<int32_T>(std::floor(n * 0.51)));
+  SplitCut cut{1, 0, 0, n, 0, 0};
+  cut.e1 = static_cast<int32_T>(std::count_if(x, x + n, [xa](real_T v) { return v <= xa; }));
+  cut.s2 = static_cast<int32_T>(std::count_if(x, x + n, [xb](real_T v) { return v < xb; }));
+  return withStartPositions(cut, n);
+}
+
+void attempt2SplitAt(const CurvePoints& c, const real_T midpointPair[2], real_T RT,
+                     real_T* result) {
+  if (c.n < kLeastPoints) return fail(result);
+  splitFrom(c, splitCutAt(c.x, c.n, midpointPair), RT, result);
 }
 
 void attempt2SplitHalf(const CurvePoints& c, real_T RT, real_T* result) {
-  const int32_T n = c.n;
-  if (n < kLeastPoints) {
-    fail(result);
-    return;
-  }
-  const real_T xa = at(c.x, static_cast<int32_T>(std::ceil(n * 0.5)));
-  const real_T xb = at(c.x, static_cast<int32_T>(std::floor(n * 0.51)));
-  Cut cut{1, 0, 0, n};
-  cut.e1 = static_cast<int32_T>(std::count_if(c.x, c.x + n, [xa](real_T v) { return v <= xa; }));
-  cut.s2 = static_cast<int32_T>(std::count_if(c.x, c.x + n, [xb](real_T v) { return v < xb; }));
-  splitFrom(c, cut, RT, result);
+  if (c.n < kLeastPoints) return fail(result);
+  splitFrom(c, splitCutInHalf(c.x, c.n), RT, result);
 }
 
 }  // namespace quent

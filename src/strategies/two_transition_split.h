@@ -9,6 +9,15 @@
 
 namespace quent {
 
+// Where a curve is cut, in positions from 1: the first part is positions 1
+// to e1, the second s2 to b (they may overlap); q1 and q2 are the positions
+// whose x start the midpoints of the parts; a only moves q1.
+struct SplitCut {
+  int32_T a, e1, s2, b, q1, q2;
+};
+SplitCut splitCutAt(const real_T* x, int32_T n, const real_T midpointPair[2]);
+SplitCut splitCutInHalf(const real_T* x, int32_T n);
+
 // Cut where the two transitions of `midpointPair` meet (their mean), within
 // limits that leave each part at least a few points.  result: ten entries, all
 // -1.0 for a failed attempt.
