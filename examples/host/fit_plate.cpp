@@ -137,8 +137,11 @@ int main(int argc, char** argv) {
   // missing in the averages the library builds.
   std::vector<double> denaturant, signal, conc;
   for (Curve& c : curves) {
-    std::stable_sort(c.points.begin(), c.points.end(),
-                     [](const auto& a, const auto& b) { return a.first < b.first; });
+    const auto ascending = [](const auto& a, const auto& b) { return a.first < b.first; };
+    if (!std::is_sorted(c.points.begin(), c.points.end(), ascending) && !golden)
+      std::printf("note: curve %s does not run in ascending denaturant; its points are sorted\n",
+                  c.id.c_str());
+    std::stable_sort(c.points.begin(), c.points.end(), ascending);
     const bool negative = std::all_of(c.points.begin(), c.points.end(),
                                       [](const auto& p) { return p.second < 0.0; });
     if (negative && !golden)
@@ -215,18 +218,31 @@ int main(int argc, char** argv) {
       std::printf("%.17g %.17g %.17g %.17g %.17g\n", grid->data[i], line->data[i], fd->data[i],
                   fragg->data[i], fraggfd->data[i]);
   } else {
-    std::printf("%-6s %10s %5s %10s %8s %8s %8s %8s %6s\n", "curve", "conc", "code", "dG",
-                "Cm", "m", "R2", "err(dG)", "used");
+    // Energy, midpoint and m value of each transition; the amplitude shares
+    // of the first transitions follow the second and the third.
+    const int transitions = stateCount == 3 ? 2 : stateCount == 4 ? 3 : 1;
+    const int energyColumn[3] = {4, 6, 9}, shareColumn[2] = {8, 11};
+    std::printf("%-6s %10s %5s", "curve", "conc", "code");
+    for (int t = 1; t <= transitions; ++t) {
+      std::printf(" %9s%d %7s%d %7s%d", "dG", t, "Cm", t, "m", t);
+      if (t > 1) std::printf(" %7s%d", "amp", t - 1);
+    }
+    std::printf(" %8s %8s %6s\n", "R2", "err(dG1)", "used");
     for (int32_T c = 0; c < curveCount; ++c) {
       const double* r = rows->data + 24 * c;
       int used = 0;
       for (int32_T i = 0; i < pointsPerCurve; ++i) used += mask->data[c * pointsPerCurve + i];
-      if (r[12] > 0.0)
-        std::printf("%-6s %10.4g %5.0f %10.1f %8.4f %8.1f %8.5f %8.1f %6d\n", curves[c].id.c_str(),
-                    conc[c], r[13], r[4], r[5], r[4] / r[5], r[14], r[15], used);
-      else
-        std::printf("%-6s %10.4g %5.0f %10s  (no accepted fit)\n", curves[c].id.c_str(), conc[c],
-                    r[13], "-");
+      std::printf("%-6s %10.4g %5.0f", curves[c].id.c_str(), conc[c], r[13]);
+      if (!(r[12] > 0.0)) {
+        std::printf("  (no accepted fit)\n");
+        continue;
+      }
+      for (int t = 0; t < transitions; ++t) {
+        const double dG = r[energyColumn[t]], Cm = r[energyColumn[t] + 1];
+        std::printf(" %10.1f %8.4f %8.1f", dG, Cm, dG / Cm);
+        if (t > 0) std::printf(" %8.4f", r[shareColumn[t - 1]]);
+      }
+      std::printf(" %8.5f %8.1f %6d\n", r[14], r[15], used);
     }
     std::printf("\ntrend of dG over ln(sample concentration): slope %.2f, intercept %.2f, "
                 "R2 of group means %.4f, %g concentrations\n",
