@@ -72,6 +72,25 @@ TEST(CurveUsable, Forms) {
   EXPECT_EQ(curveUsable(2, x.data(), 40, y.data(), 39), 0.0);
 }
 
+// Two transitions are worth testing from 12 points on, up to 384, in every
+// form; the masked forms need three kept points to run the attempts.
+TEST(CurveUsable, TwoTransitions) {
+  const real_T truth[10] = {6000.0, 2.5, 13000.0, 5.5, 0.4, 10.0, 0.0, 2.0, 0.0, kFixedRT};
+  for (const int32_T n : {11, 12, 384, 385}) {
+    const Vec x = test::grid(n, 0.0, 8.0), y = test::evaluated(curveModel2, truth, x);
+    const std::vector<int32_T> ones(n, 1);
+    const real_T usable = n == 12 || n == 384 ? 1.0 : 0.0;
+    EXPECT_EQ(curveUsable(3, x.data(), n, y.data(), n), usable) << n;
+    EXPECT_EQ(curveUsableMasked(3, x.data(), n, y.data(), n, ones.data(), n), usable) << n;
+    const int32_T size[2] = {1, n};
+    EXPECT_EQ(curveUsableMaskedPair(3, x.data(), n, y.data(), n, ones.data(), size), usable) << n;
+  }
+  const Vec x = test::grid(40, 0.0, 8.0), y = test::evaluated(curveModel2, truth, x);
+  std::vector<int32_T> two(40, 0);
+  two[3] = two[30] = 1;
+  EXPECT_EQ(curveUsableMasked(3, x.data(), 40, y.data(), 40, two.data(), 40), 0.0);
+}
+
 // The quick fits at a fixed RT must reach an R squared of 0.95: with noise of
 // 18% of the amplitude the best of them scores 0.9511, with 20% 0.9406.
 // Three kept points can carry them, when they are well placed.
