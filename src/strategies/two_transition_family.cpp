@@ -84,7 +84,7 @@ void F::completeStartTable(const CurvePoints& c, real_T RT, int best, StartTable
   const BestSlot split = bestSlot(t.score, kFirstSplitSlot, kBestSplitSlot + 1, kFirstSplitSlot);
   e.amplitude = split.score > -1.0 ? t.at(split.slot, L::amp(0)) : kFailed;
 
-  const bool fill = !(e.amplitude <= 0.0 || e.amplitude >= 0.99);
+  const bool fill = amplitudeFillsStartTable(e.amplitude);
   for (int k = 0; k < static_cast<int>(std::size(kAmplitudeSlots)); ++k) {
     if (fill) {
       runAttempt<F>(kAmplitudeSlots[k], c, RT, e, kAbsentPair, kAbsentPair, v);

@@ -138,9 +138,11 @@ struct Family<2> {
                                                         {5,  30},
                                                         {4,  31}};
 
-  // The held stages take an amplitude strictly inside (0, 1); the start table
-  // has its own, narrower bound (completeStartTable).
+  // The held stages take an amplitude strictly inside (0, 1), while the start
+  // table runs its amplitude members only below 0.99: the two limits differ
+  // on purpose.
   static bool estimateUsable(const Estimate& e) { return 0.0 < e.amplitude && e.amplitude < 1.0; }
+  static bool amplitudeFillsStartTable(real_T a) { return !(a <= 0.0 || a >= 0.99); }
 
   static void startAttempts(const CurvePoints& c, real_T RT, StartTable& t, Estimate& e);
   static void completeStartTable(const CurvePoints& c, real_T RT, int best, StartTable& t,

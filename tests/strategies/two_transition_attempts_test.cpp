@@ -175,5 +175,35 @@ TEST(SplitAttempts, SixteenPointsAndTooFew) {
   EXPECT_EQ(std::count(half, half + 10, -1.0), 10);
 }
 
+
+// Three limits on amp1, each strict: the amp members proper start from it
+// inside (0.01, 0.99), the start table runs its amplitude members inside
+// (0, 0.99), and the held stages take it inside (0, 1).
+TEST(AmplitudeLimits, MembersStartTableAndHeldStages) {
+  const Points p = twoTransitions();
+  const real_T given[2] = {2.03, 0.018};
+  // Held beyond the shares a fit may have (0.08 to 0.92), an amplitude at
+  // the limits is refused; left free from 0.5, the fit stands.
+  const struct { real_T amp; bool held; } members[] = {
+      {0.01, false}, {std::nextafter(0.01, 1.0), true}, {std::nextafter(0.99, 0.0), true},
+      {0.99, false}};
+  for (const auto& m : members) {
+    real_T r[10];
+    runAttempt<F>(A::KeepUnfoldedAmp, p.view(), kFixedRT, amplitude(m.amp), kAbsentPair, given, r);
+    EXPECT_EQ(r[0] == -1.0, m.held) << m.amp;
+  }
+  real_T r[10];
+  runAttempt<F>(A::KeepUnfoldedAmp, p.view(), kFixedRT, amplitude(0.3), kAbsentPair, given, r);
+  EXPECT_EQ(r[4], 0.3);
+  const struct { real_T amp; bool fills, usable; } limits[] = {
+      {0.0, false, false},  {std::nextafter(0.0, 1.0), true, true},
+      {std::nextafter(0.99, 0.0), true, true}, {0.99, false, true},
+      {std::nextafter(1.0, 0.0), false, true}, {1.0, false, false}, {-1.0, false, false}};
+  for (const auto& l : limits) {
+    EXPECT_EQ(F::amplitudeFillsStartTable(l.amp), l.fills) << l.amp;
+    EXPECT_EQ(F::estimateUsable(amplitude(l.amp)), l.usable) << l.amp;
+  }
+}
+
 }  // namespace
 }  // namespace quent
