@@ -1,5 +1,6 @@
-// Cost of fitting one curve with the one-transition strategy: all start
-// attempts, the held tables and the ladders, on a 96-point noisy curve.
+// Cost of fitting one curve with the one- and the two-transition strategy:
+// all start attempts, the held tables and the ladders, on a 96-point noisy
+// curve.
 #include <benchmark/benchmark.h>
 
 #include <vector>
@@ -8,6 +9,7 @@
 #include "models/curve_models.h"
 #include "strategies/one_transition_family.h"
 #include "strategies/strategy_skeleton.h"
+#include "strategies/two_transition_family.h"
 
 namespace quent {
 namespace {
@@ -28,6 +30,23 @@ void FitOneTransition96NoisyPoints(benchmark::State& state) {
   state.counters["code"] = row[13];
 }
 BENCHMARK(FitOneTransition96NoisyPoints)->Unit(benchmark::kMillisecond);
+
+void FitTwoTransitions96NoisyPoints(benchmark::State& state) {
+  constexpr int32_T n = 96;
+  std::vector<real_T> x(n), y(n);
+  for (int32_T i = 0; i < n; ++i) x[i] = 8.0 * i / (n - 1);
+  const real_T truth[10] = {6000.0, 2.5, 13200.0, 5.5, 0.4, 10.0, -0.05, 2.0, 0.02,
+                            rtFromCelsius(25.0)};
+  curveModel2(truth, x.data(), n, y.data());
+  for (int32_T i = 0; i < n; ++i) y[i] += 0.08 * ((i * 7919) % 13 - 6) / 6.0;
+  real_T row[24];
+  for (auto _ : state) {
+    strategy::fitWhole<TwoTransitionFamily>(x.data(), n, y.data(), n, 25.0, row);
+    benchmark::DoNotOptimize(row);
+  }
+  state.counters["code"] = row[13];
+}
+BENCHMARK(FitTwoTransitions96NoisyPoints)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace quent
