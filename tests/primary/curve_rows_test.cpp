@@ -313,6 +313,12 @@ TEST(FitStatistics, FailedRowsAreMeasuredToo) {
   EXPECT_EQ(row[14], -1.0);
   EXPECT_EQ(row[15], -5000.0);
   for (int k : {16, 17}) EXPECT_TRUE(test::sameBits(row[k], 0.0)) << k;
+  // Each transition's energy error from its own energy.
+  test::Curve<2> two(64);
+  writeFailedRow<2>(34.0, row);
+  row[4] = 5000.0, row[6] = 3000.0;
+  refreshFitStatistics(3, two.x, two.y, 64, row);
+  EXPECT_TRUE(row[15] == -5000.0 && row[16] == -3000.0 && test::sameBits(row[17], 0.0));
 }
 
 }  // namespace

@@ -112,6 +112,9 @@ TEST(PrimaryFitEntry, RefusedAndFailedCalls) {
   expectWholeCallFailure(primaryFit(10, den.data(), denSize, sig.data(), sigSize, conc.data(), concSize), 6, 60);
   expectWholeCallFailure(primaryFit(Plate({1.0, 2.0}, 2, 400)), 4, 1600);
   expectWholeCallFailure(primaryFit(Plate({2.0}, 97, 8)), 97, 776);  // 97 curves that would fit
+  const FitResult most = primaryFit(Plate({2.0}, 96, 8));  // the most a call takes
+  ASSERT_EQ(most.rows.size(), 24u * 96);
+  EXPECT_GT(most.row(95)[12], 0.0);
 }
 
 // One curve is its own group mean.  State counts that name no family with its

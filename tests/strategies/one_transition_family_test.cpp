@@ -31,7 +31,7 @@ struct Starts {
 TEST(OneTransitionEstimate, SlopePeakKeptOnlyStrictlyInsideTheCurve) {
   Starts s;
   const struct { real_T peak, midpoint; } cases[] = {
-      {0.0, -1.0}, {8.0, -1.0}, {below(8.0), below(8.0)}, {-0.5, -1.0}, {2.5, 2.5}};
+      {0.0, -1.0}, {8.0, -1.0}, {below(8.0), below(8.0)}, {-0.5, -1.0}, {2.5, 2.5}, {0.0005, 0.0005}};
   for (const auto& c : cases) EXPECT_EQ(s.revised(c.peak), c.midpoint) << c.peak;
 }
 
