@@ -67,6 +67,30 @@ void fitHalf(Half& h, real_T dG, real_T Cm, LineCoefficients native, LineCoeffic
   }
 }
 
+// Transition t of the joined start J from the fit H of its half, with the
+// baseline pair at H's `pair` (intercept, slope) going to J's `joined`.  A
+// sound half gives its own; otherwise the transition starts at xq with an
+// energy of xq * perX, and the pair is H's unless the half failed, when it
+// is flat at the end signal yEnd.  A midpoint is bounded by the last signal,
+// not by an x: so the procedure was tuned.
+void joinHalf(const real_T* H, int pair, real_T xq, real_T perX, real_T yEnd, real_T yLast, int t,
+              int joined, real_T* J) {
+  const bool failed = H[L1::dG(0)] == kFailed;
+  if (H[L1::dG(0)] >= 0.0 && H[L1::Cm(0)] >= 0.0 && H[L1::Cm(0)] <= yLast) {
+    J[L2::dG(t)] = H[L1::dG(0)];
+    J[L2::Cm(t)] = H[L1::Cm(0)];
+    J[joined] = H[pair];
+    J[joined + 1] = H[pair + 1];
+    return;
+  }
+  J[L2::dG(t)] = xq * perX;
+  J[L2::Cm(t)] = xq;
+  J[joined] = failed ? yEnd : H[pair];
+  J[joined + 1] = failed ? kTokenSlope : H[pair + 1];
+}
+static_assert(L1::nativeSlope == L1::nativeIntercept + 1 && L1::unfoldedSlope == L1::unfoldedIntercept + 1);
+static_assert(L2::nativeSlope == L2::nativeIntercept + 1 && L2::unfoldedSlope == L2::unfoldedIntercept + 1);
+
 void fail(real_T* result) { std::fill_n(result, L2::kParams, kFailed); }
 
 // The start midpoints of the parts: a little inside each from its middle.
@@ -117,34 +141,13 @@ void splitFrom(const CurvePoints& c, const SplitCut& cut, real_T RT, real_T* res
   }
   if (A > 0.85 || A < 0.15) A = 0.5;
 
-  // The joined start.  A half's midpoint is bounded by the last signal, not
-  // by an x: so the procedure was tuned.
-  const real_T yLast = at(y, n);
+  // The joined start: each transition and outer baseline from its half.
   real_T J[L2::kParams];
   J[L2::amp(0)] = A;
   J[L2::RT] = RT;
-  if (H1[L1::dG(0)] >= 0.0 && H1[L1::Cm(0)] >= 0.0 && H1[L1::Cm(0)] <= yLast) {
-    J[L2::dG(0)] = H1[L1::dG(0)];
-    J[L2::Cm(0)] = H1[L1::Cm(0)];
-    J[L2::nativeIntercept] = H1[L1::nativeIntercept];
-    J[L2::nativeSlope] = H1[L1::nativeSlope];
-  } else {
-    J[L2::dG(0)] = at(x, q1) * 1500.0;
-    J[L2::Cm(0)] = at(x, q1);
-    J[L2::nativeIntercept] = failed1 ? at(y, 1) : H1[L1::nativeIntercept];
-    J[L2::nativeSlope] = failed1 ? kTokenSlope : H1[L1::nativeSlope];
-  }
-  if (H2[L1::dG(0)] >= 0.0 && H2[L1::Cm(0)] >= 0.0 && H2[L1::Cm(0)] <= yLast) {
-    J[L2::dG(1)] = H2[L1::dG(0)];
-    J[L2::Cm(1)] = H2[L1::Cm(0)];
-    J[L2::unfoldedIntercept] = H2[L1::unfoldedIntercept];
-    J[L2::unfoldedSlope] = H2[L1::unfoldedSlope];
-  } else {
-    J[L2::dG(1)] = at(x, q2) * 2500.0;
-    J[L2::Cm(1)] = at(x, q2);
-    J[L2::unfoldedIntercept] = failed2 ? yLast : H2[L1::unfoldedIntercept];
-    J[L2::unfoldedSlope] = failed2 ? kTokenSlope : H2[L1::unfoldedSlope];
-  }
+  const real_T yLast = at(y, n);
+  joinHalf(H1, L1::nativeIntercept, at(x, q1), 1500.0, at(y, 1), yLast, 0, L2::nativeIntercept, J);
+  joinHalf(H2, L1::unfoldedIntercept, at(x, q2), 2500.0, yLast, yLast, 1, L2::unfoldedIntercept, J);
 
   // The whole curve from J with the baselines held, amp1 free and held; the
   // better score wins, R1 on a tie, and a NaN score counts as none.
