@@ -238,11 +238,10 @@ bool pairLadderStage(Pass pass, const CurvePoints& c, Tables<F>& w, real_T* row)
   return true;
 }
 
-// Stage 6.
+// Stage 6.  The start table's scores still stand as stage 1 left them, all
+// slots scored and none ranked; each is a pure function of its vector.
 template <class F>
 void firstPassStage(Pass pass, const CurvePoints& c, Tables<F>& w, real_T* row) {
-  constexpr int kSlots = F::StartTable::kSlots;
-  scoreSlots<F>(c, w.start, 0, kSlots);
   constexpr int kPlaces = static_cast<int>(std::size(F::kFirstPassRungs));
   const FirstPassHit hit = firstPassLadder(F::kFirstPassRungs, kPlaces, w.start.score);
   if (hit.place < 0) {
