@@ -126,28 +126,8 @@ void splitFrom(const CurvePoints& c, const SplitCut& cut, real_T RT, real_T* res
           lineFit3(x + (cut.b - 3), y + (cut.b - 3)), RT);
   const real_T* H1 = h1.fit;
   const real_T* H2 = h2.fit;
-  const bool failed1 = H1[L1::dG(0)] == kFailed, failed2 = H2[L1::dG(0)] == kFailed;
-
-  // The share of the change made at the junction, from measured signals.
-  real_T A;
-  if (failed1 || failed2) {
-    A = (std::fabs((at(y, cut.e1) + at(y, cut.s2)) / 2.0) - at(y, 1)) /
-        std::fabs(at(y, cut.b) - at(y, 1));
-  } else {
-    const real_T m = (at(x, cut.e1) + at(x, cut.s2)) / 2.0;
-    const real_T lower = H1[L1::nativeSlope] * m + H1[L1::nativeIntercept];
-    const real_T upper = H2[L1::unfoldedSlope] * m + H2[L1::unfoldedIntercept];
-    A = std::fabs(((at(y, cut.e1) + at(y, cut.s2)) / 2.0 - lower) / (upper - lower));
-  }
-  if (A > 0.85 || A < 0.15) A = 0.5;
-
-  // The joined start: each transition and outer baseline from its half.
   real_T J[L2::kParams];
-  J[L2::amp(0)] = A;
-  J[L2::RT] = RT;
-  const real_T yLast = at(y, n);
-  joinHalf(H1, L1::nativeIntercept, at(x, q1), 1500.0, at(y, 1), yLast, 0, L2::nativeIntercept, J);
-  joinHalf(H2, L1::unfoldedIntercept, at(x, q2), 2500.0, yLast, yLast, 1, L2::unfoldedIntercept, J);
+  joinedStart(c, cut, H1, H2, splitAmplitude(c, cut, H1, H2), RT, J);
 
   // The whole curve from J with the baselines held, amp1 free and held; the
   // better score wins, R1 on a tie, and a NaN score counts as none.
@@ -175,6 +155,35 @@ void splitFrom(const CurvePoints& c, const SplitCut& cut, real_T RT, real_T* res
 }
 
 }  // namespace
+
+real_T splitAmplitude(const CurvePoints& c, const SplitCut& cut, const real_T* H1,
+                      const real_T* H2) {
+  const real_T* x = c.x;
+  const real_T* y = c.y;
+  real_T A;
+  if (H1[L1::dG(0)] == kFailed || H2[L1::dG(0)] == kFailed) {
+    A = (std::fabs((at(y, cut.e1) + at(y, cut.s2)) / 2.0) - at(y, 1)) /
+        std::fabs(at(y, cut.b) - at(y, 1));
+  } else {
+    const real_T m = (at(x, cut.e1) + at(x, cut.s2)) / 2.0;
+    const real_T lower = H1[L1::nativeSlope] * m + H1[L1::nativeIntercept];
+    const real_T upper = H2[L1::unfoldedSlope] * m + H2[L1::unfoldedIntercept];
+    A = std::fabs(((at(y, cut.e1) + at(y, cut.s2)) / 2.0 - lower) / (upper - lower));
+  }
+  if (A > 0.85 || A < 0.15) A = 0.5;
+  return A;
+}
+
+void joinedStart(const CurvePoints& c, const SplitCut& cut, const real_T* H1, const real_T* H2,
+                 real_T A, real_T RT, real_T* J) {
+  const real_T yLast = at(c.y, c.n);
+  J[L2::amp(0)] = A;
+  J[L2::RT] = RT;
+  joinHalf(H1, L1::nativeIntercept, at(c.x, cut.q1), 1500.0, at(c.y, 1), yLast, 0,
+           L2::nativeIntercept, J);
+  joinHalf(H2, L1::unfoldedIntercept, at(c.x, cut.q2), 2500.0, yLast, yLast, 1,
+           L2::unfoldedIntercept, J);
+}
 
 SplitCut splitCutAt(const real_T* x, int32_T n, const real_T midpointPair[2]) {
   const real_T mid = (midpointPair[0] + midpointPair[1]) / 2.0;

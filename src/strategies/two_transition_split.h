@@ -18,6 +18,18 @@ struct SplitCut {
 SplitCut splitCutAt(const real_T* x, int32_T n, const real_T midpointPair[2]);
 SplitCut splitCutInHalf(const real_T* x, int32_T n);
 
+// Steps of the split attempts after the halves are fitted (H1 and H2, one
+// transition each, -1.0 for a failed half).  The share of the change made at
+// the junction, from measured signals: with a failed half the mean signal
+// at the cut against the ends, else against the halves' outer baselines;
+// outside [0.15, 0.85] it is 0.5.
+real_T splitAmplitude(const CurvePoints& c, const SplitCut& cut, const real_T* H1,
+                      const real_T* H2);
+// The start of the whole curve joined from the halves: each transition with
+// the outer baseline of its half, where the half's fit is sound.
+void joinedStart(const CurvePoints& c, const SplitCut& cut, const real_T* H1, const real_T* H2,
+                 real_T A, real_T RT, real_T* J);
+
 // Cut where the two transitions of `midpointPair` meet (their mean), within
 // limits that leave each part at least a few points.  result: ten entries, all
 // -1.0 for a failed attempt.

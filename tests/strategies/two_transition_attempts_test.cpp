@@ -205,5 +205,57 @@ TEST(AmplitudeLimits, MembersStartTableAndHeldStages) {
   }
 }
 
+
+// The share at the junction (positions 8 and 8 of sixteen, x = 0..15).  With
+// a failed half it is (|mean at the cut| - y[1]) / |y[16] - y[1]|, the
+// absolute value taking the mean alone: 0.4 here, where the whole under one
+// absolute value would give 0.6.  0.15 and 0.85 stay, beyond them it is 0.5.
+// With both halves sound, the mean against the halves' outer baselines at x[8].
+TEST(SplitJoin, AmplitudeAtTheJunction) {
+  const std::vector<real_T> x = test::grid(16, 0.0, 15.0);
+  std::vector<real_T> y(16, 6.0);
+  y[0] = 1.0, y[15] = 11.0;
+  const SplitCut cut{1, 8, 8, 16, 6, 11};
+  const real_T failed[7] = {-1, -1, -1, -1, -1, -1, -1};
+  const real_T H1[7] = {4000.0, 2.5, 10.0, -0.1, 3.0, 0.01, kFixedRT};
+  const real_T H2[7] = {8000.0, 9.0, 9.0, -0.1, 2.0, 0.01, kFixedRT};
+  const struct { real_T atCut, A; } cases[] = {
+      {-5.0, 0.4}, {9.5, 0.85}, {2.5, 0.15}, {std::nextafter(9.5, 10.0), 0.5},
+      {std::nextafter(2.5, 0.0), 0.5}};
+  for (const auto& c : cases) {
+    y[7] = c.atCut;
+    EXPECT_EQ(splitAmplitude({x.data(), y.data(), 16}, cut, H1, failed), c.A) << c.atCut;
+    EXPECT_EQ(splitAmplitude({x.data(), y.data(), 16}, cut, failed, H2), c.A) << c.atCut;
+  }
+  y[7] = 6.0;
+  const real_T lower = -0.1 * 7.0 + 10.0, upper = 0.01 * 7.0 + 2.0;
+  EXPECT_EQ(splitAmplitude({x.data(), y.data(), 16}, cut, H1, H2),
+            std::fabs(((6.0 + 6.0) / 2.0 - lower) / (upper - lower)));
+}
+
+// A half's transition enters the joined start only with a midpoint at or
+// below the last signal, y[16] = 2 here, however far inside the x range (0 to
+// 15) it lies.  Otherwise the transition starts at x[q] with 1500 (first) or
+// 2500 (second) times that as energy, keeping the half's outer baseline, or a
+// flat one at the end signal when the half failed.
+TEST(SplitJoin, MidpointsBoundedByTheLastSignal) {
+  const std::vector<real_T> x = test::grid(16, 0.0, 15.0);
+  std::vector<real_T> y(16, 5.0);
+  y[0] = 10.0, y[15] = 2.0;
+  const CurvePoints c{x.data(), y.data(), 16};
+  const SplitCut cut{1, 8, 8, 16, 6, 11};
+  const real_T failed[7] = {-1, -1, -1, -1, -1, -1, -1};
+  const real_T within[7] = {3000.0, 2.0, 10.0, -0.1, 3.0, 0.01, kFixedRT};
+  const real_T beyond[7] = {4000.0, std::nextafter(2.0, 3.0), 9.9, -0.2, 3.0, 0.01, kFixedRT};
+  const real_T late[7] = {9000.0, 9.0, 9.0, -0.1, 2.1, 0.02, kFixedRT};
+  real_T J[10];
+  joinedStart(c, cut, within, late, 0.4, kFixedRT, J);
+  test::expectList(J, 10, {3000.0, 2.0, 10.0 * 2500.0, 10.0, 0.4, 10.0, -0.1, 2.1, 0.02, kFixedRT});
+  joinedStart(c, cut, beyond, failed, 0.3, kFixedRT, J);
+  test::expectList(J, 10, {5.0 * 1500.0, 5.0, 10.0 * 2500.0, 10.0, 0.3, 9.9, -0.2, 2.0, 0.001, kFixedRT});
+  joinedStart(c, cut, failed, within, 0.5, kFixedRT, J);
+  test::expectList(J, 10, {5.0 * 1500.0, 5.0, 3000.0, 2.0, 0.5, 10.0, 0.001, 3.0, 0.01, kFixedRT});
+}
+
 }  // namespace
 }  // namespace quent
