@@ -4,18 +4,19 @@
 #include "models/r_squared.h"
 #include "strategies/one_transition_family.h"
 #include "strategies/strategy_skeleton.h"
+#include "strategies/exit_rows.h"
 #include "test_support.h"
 
 namespace quent {
 namespace {
 
-constexpr real_T kGarbage = 7.7e77;
 using F = OneTransitionFamily;
 
-struct Curve {
-  std::vector<real_T> x, y;
-  int32_T n() const { return static_cast<int32_T>(x.size()); }
-};
+using Curve = test::Points;
+using test::Row;
+using test::expectExit;
+
+std::vector<real_T> paramsOf(const Row& r) { return {r.v[4], r.v[5], r.v[0], r.v[1], r.v[2], r.v[3], r.v[12]}; }
 
 // A transition on 0..8 from a native plateau at 10 to an unfolded one at 2,
 // with noise of `noiseShare` of that amplitude of 8.
@@ -28,18 +29,6 @@ Curve synthetic(int32_T n, real_T dG, real_T Cm, real_T nativeSlope = 0.0,
   return c;
 }
 
-struct Row {
-  real_T v[24];
-  Row() { std::fill(v, v + 24, kGarbage); }
-  real_T code() const { return v[13]; }
-  std::vector<real_T> params() const { return {v[4], v[5], v[0], v[1], v[2], v[3], v[12]}; }
-};
-
-// The exit taken, on a row written in full.
-void expectExit(const Row& row, real_T code) {
-  for (int c = 0; c < 24; ++c) EXPECT_NE(row.v[c], kGarbage) << "column " << c;
-  EXPECT_EQ(row.code(), code);
-}
 
 Row fit(const Curve& c, real_T temperature = 25.0) {
   Row row;
@@ -142,14 +131,14 @@ TEST(FitOneTransitionMasked, TrimsDropEndPointsAndMeasureOnThePointsKept) {
   secondLastOff[95] = 0;
   EXPECT_EQ(maskOut, secondLastOff);
   EXPECT_NEAR(one.v[4], 5200.0, 0.005 * 5200.0);
-  EXPECT_EQ(one.v[14], rSquaredOfFit1(last.x.data(), last.y.data(), 95, one.params().data()));
+  EXPECT_EQ(one.v[14], rSquaredOfFit1(last.x.data(), last.y.data(), 95, paramsOf(one).data()));
 
   const Row two = fitMasked(Pass::Main, both);
   expectExit(two, 43.0);
   expected[0] = 0;
   EXPECT_EQ(maskOut, expected);
   EXPECT_NEAR(two.v[5], 3.6, 0.001 * 3.6);
-  EXPECT_EQ(two.v[14], rSquaredOfFit1(both.x.data() + 1, both.y.data() + 1, 94, two.params().data()));
+  EXPECT_EQ(two.v[14], rSquaredOfFit1(both.x.data() + 1, both.y.data() + 1, 94, paramsOf(two).data()));
 
   // The double trim needs only one of the curve's end points on: here the
   // host left out the first and the second-last, and the last is off.

@@ -4,18 +4,17 @@
 #include "models/r_squared.h"
 #include "strategies/strategy_skeleton.h"
 #include "strategies/two_transition_family.h"
+#include "strategies/exit_rows.h"
 #include "test_support.h"
 
 namespace quent {
 namespace {
 
 using F = TwoTransitionFamily;
-constexpr real_T kGarbage = 7.7e77;
 
-struct Curve {
-  std::vector<real_T> x, y;
-  int32_T n() const { return static_cast<int32_T>(x.size()); }
-};
+using Curve = test::Points;
+using test::Row;
+using test::expectExit;
 
 // Baseline slopes (native, unfolded) of the curves below.
 constexpr real_T kSlopes[3][2] = {{-0.6, -0.3}, {0.0, 0.0}, {-0.6, 0.3}};
@@ -33,17 +32,6 @@ Curve synthetic(int32_T n, real_T Cm1, real_T Cm2, real_T m1, real_T m2, real_T 
   return c;
 }
 
-struct Row {
-  real_T v[24];
-  Row() { std::fill(v, v + 24, kGarbage); }
-  real_T code() const { return v[13]; }
-};
-
-// The exit taken, on a row written in full.
-void expectExit(const Row& row, real_T code) {
-  for (int c = 0; c < 24; ++c) EXPECT_NE(row.v[c], kGarbage) << "column " << c;
-  EXPECT_EQ(row.code(), code);
-}
 
 Row fit(const Curve& c) {
   Row row;
