@@ -66,6 +66,7 @@ TEST(FitOneTransitionPath, EachCurveTakesItsExit) {
   } cases[] = {
       // name            n   dG      Cm   slopes      noise   seed main one both
       {"bothHeld",      48, 2250.0, 1.5, -0.6, -0.3, 0.0,    3,   2,   38,  43},
+      {"oneNativeGood", 48, 10000.0, 4.0, -0.6, 0.0, 0.0,    82,  2,   38,  43},  // one start meets the native end
       {"nativeHeld",    48, 4500.0, 3.0, -0.6, -0.3, 0.03,   3,   3,   39,  44},
       {"unfoldedHeld",  48, 4500.0, 3.0,  0.0,  0.0, 0.01,   3,   4,   39,  45},
       {"pairNative",    48, 7500.0, 5.0, -0.6,  0.3, 0.0,    3,   5,   39,  46},
