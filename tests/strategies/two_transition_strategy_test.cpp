@@ -154,5 +154,19 @@ TEST(FitTwoTransitionRecovery, WellSeparatedMidpoints) {
   EXPECT_NEAR(row.v[6], 12000.0, 0.03 * 12000.0);
 }
 
+
+// A held stage scores every slot before ranking: here only slot 0 holds a
+// fit (the curve's own vector, meeting both ends), and the walk finds it.
+TEST(HeldStage, ScoresEverySlotBeforeRanking) {
+  const real_T truth[10] = {6000.0, 2.0, 12000.0, 5.0, 0.4, 10.0, 0.0, 2.0, 0.0, rtFromCelsius(25.0)};
+  const Curve c{test::grid(64, 0.0, 8.0), {}};
+  const std::vector<real_T> y = test::evaluated(curveModel2, truth, c.x);
+  F::HeldTable t{};
+  for (int s = 1; s < F::HeldTable::kSlots; ++s) t.fail(s);
+  t.set(0, truth);
+  EXPECT_EQ(strategy::heldStage<F>(Side::Native, {c.x.data(), y.data(), 64}, t), 0);
+  EXPECT_EQ(t.score[0], 1.0);
+}
+
 }  // namespace
 }  // namespace quent
