@@ -155,6 +155,9 @@ TEST(SplitCut, PositionsAndLimits) {
   EXPECT_EQ(cutOf(splitCutInHalf(x100.data(), 100)), (std::vector<int32_T>{1, 50, 50, 100, 31, 70}));
   const std::vector<real_T> x5 = test::grid(5, 0.0, 4.0);
   EXPECT_EQ(cutOf(splitCutAt(x5.data(), 5, none)), (std::vector<int32_T>{1, 1, 3, 5, 1, 4}));
+  // On three points the first part starts before the curve, and both start
+  // midpoints fall outside it: they are taken a little inside each part.
+  EXPECT_EQ(cutOf(splitCutAt(x5.data(), 3, none)), (std::vector<int32_T>{-1, 1, 3, 5, 1, 4}));
 }
 
 // Both split members seed a 16-point curve and recover its transitions; the
@@ -170,6 +173,15 @@ TEST(SplitAttempts, SixteenPointsAndTooFew) {
     EXPECT_NEAR(r[3], 5.5, 0.05);
     EXPECT_NEAR(r[4], 0.4, 0.02);
   }
+  // A first transition of 0.05 of the change is below any share a fit may
+  // have: the whole fit is refused, while each half fits its own transition.
+  // The halves' transitions then stand, with the share of 0.5 the junction
+  // gives when it finds less than 0.15.
+  const real_T small[10] = {6000.0, 2.0, 18000.0, 6.0, 0.05, 10.0, 0.0, 2.0, 0.0, kFixedRT};
+  const Points s{test::grid(64, 0.0, 8.0), {}};
+  const std::vector<real_T> sy = test::evaluated(curveModel2, small, s.x);
+  runFixedRT<F>(A::SplitHalf, {s.x.data(), sy.data(), 64}, half);
+  EXPECT_TRUE(half[0] != -1.0 && half[4] == 0.5) << half[0] << " " << half[4];
   const Points seven = twoTransitions(7);
   runFixedRT<F>(A::SplitHalf, seven.view(), half);
   EXPECT_EQ(std::count(half, half + 10, -1.0), 10);
@@ -253,6 +265,9 @@ TEST(SplitJoin, MidpointsBoundedByTheLastSignal) {
   test::expectList(J, 10, {3000.0, 2.0, 10.0 * 2500.0, 10.0, 0.4, 10.0, -0.1, 2.1, 0.02, kFixedRT});
   joinedStart(c, cut, beyond, failed, 0.3, kFixedRT, J);
   test::expectList(J, 10, {5.0 * 1500.0, 5.0, 10.0 * 2500.0, 10.0, 0.3, 9.9, -0.2, 2.0, 0.001, kFixedRT});
+  const real_T flatHalf[7] = {0.0, 1.0, 9.8, -0.1, 3.0, 0.01, kFixedRT};  // an energy of 0 is sound
+  joinedStart(c, cut, flatHalf, late, 0.4, kFixedRT, J);
+  EXPECT_TRUE(J[0] == 0.0 && J[1] == 1.0 && J[5] == 9.8);
   joinedStart(c, cut, failed, within, 0.5, kFixedRT, J);
   test::expectList(J, 10, {5.0 * 1500.0, 5.0, 3000.0, 2.0, 0.5, 10.0, 0.001, 3.0, 0.01, kFixedRT});
 }
