@@ -161,7 +161,7 @@ TEST(SplitCut, PositionsAndLimits) {
 }
 
 // Both split members seed a 16-point curve and recover its transitions; the
-// halving one counts as failed on fewer than eight points.
+// halving one counts as failed on fewer than eight points, and fits eight.
 TEST(SplitAttempts, SixteenPointsAndTooFew) {
   const Points p = twoTransitions(16);
   real_T half[10], at[10];
@@ -182,9 +182,11 @@ TEST(SplitAttempts, SixteenPointsAndTooFew) {
   const std::vector<real_T> sy = test::evaluated(curveModel2, small, s.x);
   runFixedRT<F>(A::SplitHalf, {s.x.data(), sy.data(), 64}, half);
   EXPECT_TRUE(half[0] != -1.0 && half[4] == 0.5) << half[0] << " " << half[4];
-  const Points seven = twoTransitions(7);
+  const Points seven = twoTransitions(7), eight = twoTransitions(8);
   runFixedRT<F>(A::SplitHalf, seven.view(), half);
   EXPECT_EQ(std::count(half, half + 10, -1.0), 10);
+  runFixedRT<F>(A::SplitHalf, eight.view(), half);
+  EXPECT_NE(half[0], -1.0);
 }
 
 
