@@ -267,9 +267,13 @@ TEST(SplitJoin, MidpointsBoundedByTheLastSignal) {
   test::expectList(J, 10, {3000.0, 2.0, 10.0 * 2500.0, 10.0, 0.4, 10.0, -0.1, 2.1, 0.02, kFixedRT});
   joinedStart(c, cut, beyond, failed, 0.3, kFixedRT, J);
   test::expectList(J, 10, {5.0 * 1500.0, 5.0, 10.0 * 2500.0, 10.0, 0.3, 9.9, -0.2, 2.0, 0.001, kFixedRT});
-  const real_T flatHalf[7] = {0.0, 1.0, 9.8, -0.1, 3.0, 0.01, kFixedRT};  // an energy of 0 is sound
+  // An energy of 0 and a midpoint of 0 are sound.
+  const real_T flatHalf[7] = {0.0, 1.0, 9.8, -0.1, 3.0, 0.01, kFixedRT};
   joinedStart(c, cut, flatHalf, late, 0.4, kFixedRT, J);
   EXPECT_TRUE(J[0] == 0.0 && J[1] == 1.0 && J[5] == 9.8);
+  const real_T atZero[7] = {3500.0, 0.0, 9.7, -0.1, 3.0, 0.01, kFixedRT};
+  joinedStart(c, cut, atZero, late, 0.4, kFixedRT, J);
+  EXPECT_TRUE(J[0] == 3500.0 && J[1] == 0.0 && J[5] == 9.7);
   joinedStart(c, cut, failed, within, 0.5, kFixedRT, J);
   test::expectList(J, 10, {5.0 * 1500.0, 5.0, 3000.0, 2.0, 0.5, 10.0, 0.001, 3.0, 0.01, kFixedRT});
 }
