@@ -16,8 +16,13 @@ enum class PairFrom : unsigned char { Curve, Given };
 
 // The estimate of the transitions a member takes, if any.  A member taking
 // an amplitude starts from it only while it is usable; one taking it as
-// given always does, its caller having filtered it.
-enum class Takes : unsigned char { Nothing, Midpoint, Midpoints, Amplitude, AmplitudeAsGiven };
+// given always does, its caller having filtered it.  A member taking a pair
+// of amplitudes bends it into shape by one of two rules: the pair as given
+// unless its sum passes 1 (AmplitudePair), or moreover each within [0, 1]
+// (AmplitudePairBounded); the family says how.
+enum class Takes : unsigned char {
+  Nothing, Midpoint, Midpoints, Amplitude, AmplitudeAsGiven, AmplitudePair, AmplitudePairBounded
+};
 
 template <int P>
 struct AttemptMember {
@@ -35,8 +40,8 @@ namespace member {
 // The mask of every case.
 template <int P>
 constexpr AttemptMember<P> always(const char* name, StartForm form, PairFrom native,
-                                  PairFrom unfolded, HeldMask<P> m) {
-  return {name, form, native, unfolded, Takes::Nothing, {{{m, m}, {m, m}}, {{m, m}, {m, m}}}};
+                                  PairFrom unfolded, HeldMask<P> m, Takes takes = Takes::Nothing) {
+  return {name, form, native, unfolded, takes, {{{m, m}, {m, m}}, {{m, m}, {m, m}}}};
 }
 
 // The mask of every case, for a member that takes an estimate.
@@ -62,6 +67,17 @@ constexpr AttemptMember<P> keepingNative(const char* name, StartForm form, Takes
                                          HeldMask<P> given, HeldMask<P> absent) {
   return {name,  form, PairFrom::Given, PairFrom::Curve, takes,
           {{{absent, absent}, {given, given}}, {{absentUsable, absentUsable}, {givenUsable, givenUsable}}}};
+}
+
+// A mask for each case of given pairs, whatever the estimate: neither given,
+// the native pair alone, the unfolded pair alone, both.
+template <int P>
+constexpr AttemptMember<P> byPairs(const char* name, StartForm form, PairFrom native,
+                                   PairFrom unfolded, Takes takes, HeldMask<P> neither,
+                                   HeldMask<P> nativeOnly, HeldMask<P> unfoldedOnly,
+                                   HeldMask<P> both) {
+  const HeldMask<P> n = neither, a = nativeOnly, u = unfoldedOnly, b = both;
+  return {name, form, native, unfolded, takes, {{{n, u}, {a, b}}, {{n, u}, {a, b}}}};
 }
 
 }  // namespace member

@@ -23,7 +23,7 @@ static_assert(Family<1>::kStateCount == 2 && Family<2>::kStateCount == 3 &&
               Family<3>::kStateCount == 4);
 
 // One transition first: it is the family of every state count not listed.
-using RegisteredFamilies = FamilyList<Family<1>, Family<2>>;
+using RegisteredFamilies = FamilyList<Family<1>, Family<2>, Family<3>>;
 
 // A family whose strategies are in the library.
 template <class F>

@@ -16,6 +16,8 @@ BaselinePairs startBaselines(StartForm form, const real_T* x, const real_T* y, i
       return {firstMean(y), firstSlope(x, y), lastIntercept(x, y, n), lastSlope(x, y, n)};
     case StartForm::Flat:
       return {y[0], kTokenSlope, y[n - 1], kTokenSlope};
+    case StartForm::FlatExchanged:
+      return {y[0], kTokenSlope, kTokenSlope, y[n - 1]};
     case StartForm::Segment:
     case StartForm::Split:
       break;

@@ -9,10 +9,13 @@
 namespace quent {
 
 // three-point: a line through the first three and the last three points;
-// flat: the end signals with a token slope; segment: segmentBaselines.
+// flat: the end signals with a token slope; flat, exchanged: the same native
+// pair, and the unfolded pair with its entries the other way round (0.001 as
+// intercept, the last signal as slope), from which the three-transition fits
+// with given pairs were tuned to start; segment: segmentBaselines.
 // split: the curve cut in two, one transition fitted to each part, and the
 // parts joined into a start of the whole (the family's own procedure).
-enum class StartForm : unsigned char { ThreePoint, Flat, Segment, Split };
+enum class StartForm : unsigned char { ThreePoint, Flat, FlatExchanged, Segment, Split };
 
 // Quantities of the n points, x ascending (n >= 3).
 inline real_T midX(const real_T* x, int32_T n) { return x[0] + (x[n - 1] - x[0]) / 2.0; }

@@ -243,7 +243,7 @@ bool pairLadderStage(Pass pass, const CurvePoints& c, Tables<F>& w, real_T* row)
 template <class F>
 void firstPassStage(Pass pass, const CurvePoints& c, Tables<F>& w, real_T* row) {
   constexpr int kPlaces = static_cast<int>(std::size(F::kFirstPassRungs));
-  const FirstPassHit hit = firstPassLadder(F::kFirstPassRungs, kPlaces, w.start.score);
+  const FirstPassHit hit = firstPassLadder(std::data(F::kFirstPassRungs), kPlaces, w.start.score);
   if (hit.place < 0) {
     writeFailed<F>(F::kCodes[static_cast<int>(pass)].exhausted, row);
     return;

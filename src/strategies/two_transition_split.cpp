@@ -1,6 +1,6 @@
-// Positions here count from 1, as the cut arithmetic was tuned in them: at(v,
-// i) reads entry i of v.  Every value is formed in the order its formula is
-// written, since these starts decide which minimum the later fits find.
+// Positions here count from 1 (split_positions.h).  Every value is formed in
+// the order its formula is written, since these starts decide which minimum
+// the later fits find.
 #include "strategies/two_transition_split.h"
 
 #include <algorithm>
@@ -14,6 +14,7 @@
 #include "models/r_squared.h"
 #include "numerics/line_fit.h"
 #include "strategies/one_transition_attempts.h"
+#include "strategies/split_positions.h"
 #include "strategies/two_transition_attempts.h"
 
 namespace quent {
@@ -22,14 +23,14 @@ namespace {
 using L1 = TransitionLayout<1>;
 using L2 = TransitionLayout<2>;
 
-constexpr real_T kTokenSlope = 0.001;
+using split::at;
+using split::kTokenSlope;
+using split::rounded;
+
 constexpr real_T kGoodHalf = 0.99;
 // Fewer points than this cannot carry the cut: it would read positions the
 // points do not have.
 constexpr int32_T kLeastPoints = 8;
-
-inline real_T at(const real_T* v, int32_T i) { return v[i - 1]; }
-inline int32_T rounded(real_T v) { return static_cast<int32_T>(roundHalfAway(v)); }
 
 // One half fitted with one transition, the start it came from, and its score.
 struct Half {
