@@ -18,20 +18,15 @@ namespace quent {
 // A pair that counts as absent.
 inline constexpr real_T kAbsentPair[2] = {0.0, 0.0};
 
-// Runs member `id` of family F on the points of c (x ascending, n >= 3).  The
+// The start vector of member `id` of family F (not of the split form) on the
+// points of c (x ascending, n >= 3), and the mask it is fitted under.  The
 // estimate is read by the members that take one, a pair (intercept, slope)
 // only by the members that take it.
 template <class F>
-void runAttempt(typename F::Attempt id, const CurvePoints& c, real_T RT,
-                const typename F::Estimate& e, const real_T nativePair[2],
-                const real_T unfoldedPair[2], real_T* result) {
+HeldMask<F::Layout::kParams> startOf(typename F::Attempt id, const CurvePoints& c, real_T RT,
+                                     const typename F::Estimate& e, const real_T nativePair[2],
+                                     const real_T unfoldedPair[2], real_T* start) {
   const auto& m = F::kAttempts[static_cast<int>(id)];
-  if constexpr (requires { F::splitAttempt(m, c, RT, e, result); }) {
-    if (m.form == StartForm::Split) {
-      F::splitAttempt(m, c, RT, e, result);
-      return;
-    }
-  }
   const bool nativeGiven = m.native == PairFrom::Given && pairGiven(nativePair);
   const bool unfoldedGiven = m.unfolded == PairFrom::Given && pairGiven(unfoldedPair);
 
@@ -47,11 +42,25 @@ void runAttempt(typename F::Attempt id, const CurvePoints& c, real_T RT,
     b.unfoldedSlope = unfoldedPair[1];
   }
   if (m.form == StartForm::Flat) guardFlatStart(b, nativeGiven, unfoldedGiven, c.y, c.n);
-
-  real_T start[F::Layout::kParams];
   const bool usable = F::startVector(m, c, b, e, RT, start);
-  heldFit<TransitionModel<F::T>>(c.x, c.y, c.n, start, m.mask[usable][nativeGiven][unfoldedGiven],
-                                 result);
+  return m.mask[usable][nativeGiven][unfoldedGiven];
+}
+
+// Runs member `id` of family F on the points of c, as startOf reads them.
+template <class F>
+void runAttempt(typename F::Attempt id, const CurvePoints& c, real_T RT,
+                const typename F::Estimate& e, const real_T nativePair[2],
+                const real_T unfoldedPair[2], real_T* result) {
+  if constexpr (requires(const typename F::Member& m) { F::splitAttempt(m, c, RT, e, result); }) {
+    const auto& m = F::kAttempts[static_cast<int>(id)];
+    if (m.form == StartForm::Split) {
+      F::splitAttempt(m, c, RT, e, result);
+      return;
+    }
+  }
+  real_T start[F::Layout::kParams];
+  const auto mask = startOf<F>(id, c, RT, e, nativePair, unfoldedPair, start);
+  heldFit<TransitionModel<F::T>>(c.x, c.y, c.n, start, mask, result);
   keepIfPlausible<F::T>(result, c.x, c.n);
 }
 

@@ -98,16 +98,27 @@ void F::splitAttempt(const Member& m, const CurvePoints& c, real_T RT, const Est
   else attempt3Split(c, RT, holdForm, result);
 }
 
-// The slope-peak midpoints seed the last four splits; their means, outside
-// [0.01, 0.99], give way to 0.35 and 0.3 as the amplitudes of the start.
-void F::startAttempts(const CurvePoints& c, real_T RT, StartTable& t, Estimate& e) {
-  derivativePeaks3(c.x, c.y, c.n, e.midpoints);
-  real_T amp1 = (e.midpoints[0] + e.midpoints[1]) / 2.0;
-  real_T amp2 = (e.midpoints[1] + e.midpoints[2]) / 2.0;
+// The means are of positions on the denaturant axis, so above 0.99 unless the
+// transitions lie close to zero: the start was tuned so.
+void F::peakAmplitudes(const real_T midpoints[3], real_T amplitudes[2]) {
+  real_T amp1 = (midpoints[0] + midpoints[1]) / 2.0;
+  real_T amp2 = (midpoints[1] + midpoints[2]) / 2.0;
   if (amp1 < 0.01 || amp1 > 0.99) amp1 = kFallbackAmp1;
   if (amp2 < 0.01 || amp2 > 0.99) amp2 = kFallbackAmp2;
-  e.amplitudes[0] = amp1;
-  e.amplitudes[1] = amp2;
+  amplitudes[0] = amp1;
+  amplitudes[1] = amp2;
+}
+
+int F::amplitudeSlot(const real_T* scores) {
+  BestSlot found = bestSlot(scores, kFirstSplitSlot, kBothAmpsSlot, 0);
+  if (found.score <= 0.0) found = bestSlot(scores, 0, kFirstSplitSlot, 0);
+  return found.slot;
+}
+
+// The slope-peak midpoints seed the last four splits of the first round.
+void F::startAttempts(const CurvePoints& c, real_T RT, StartTable& t, Estimate& e) {
+  derivativePeaks3(c.x, c.y, c.n, e.midpoints);
+  peakAmplitudes(e.midpoints, e.amplitudes);
   real_T v[L::kParams];
   for (int s = 0; s < kPeakSplitEnd; ++s) {
     runAttempt<F>(static_cast<Attempt>(s), c, RT, e, kAbsentPair, kAbsentPair, v);
@@ -116,8 +127,6 @@ void F::startAttempts(const CurvePoints& c, real_T RT, StartTable& t, Estimate& 
   strategy::scoreSlots<F>(c, t, 0, kPeakSplitEnd);
 }
 
-// The amplitudes come from the best split that scored above 0.0, or else
-// from the best of the other starts (slot 0 if none counts).
 void F::completeStartTable(const CurvePoints& c, real_T RT, int best, StartTable& t,
                            Estimate& e) {
   real_T v[L::kParams];
@@ -129,13 +138,10 @@ void F::completeStartTable(const CurvePoints& c, real_T RT, int best, StartTable
   }
   strategy::scoreSlots<F>(c, t, kBestSplitSlot, kBothAmpsSlot);
 
-  BestSlot found = bestSlot(t.score, kFirstSplitSlot, kBothAmpsSlot, 0);
-  if (found.score <= 0.0) found = bestSlot(t.score, 0, kFirstSplitSlot, 0);
-  e.amplitudes[0] = t.at(found.slot, L::amp(0));
-  e.amplitudes[1] = t.at(found.slot, L::amp(1));
-
-  const real_T amp1 = e.amplitudes[0], amp2 = e.amplitudes[1];
-  const bool fill = !(amp1 <= 0.0 || amp1 >= 0.99 || amp2 <= 0.0 || amp2 >= 0.99);
+  const int found = amplitudeSlot(t.score);
+  e.amplitudes[0] = t.at(found, L::amp(0));
+  e.amplitudes[1] = t.at(found, L::amp(1));
+  const bool fill = amplitudesFillStartTable(e.amplitudes);
   for (int k = 0; k < kHoldForms; ++k) {
     const int s = kBothAmpsSlot + k;
     if (fill) {

@@ -152,6 +152,19 @@ struct Family<3> {
 
   // The held stages always take the amplitudes, each member by its rule.
   static bool estimateUsable(const Estimate&) { return true; }
+  // The first amplitudes, from the means of neighbouring slope-peak
+  // midpoints: outside [0.01, 0.99] amp1 is 0.35 and amp2 0.3.
+  static void peakAmplitudes(const real_T midpoints[3], real_T amplitudes[2]);
+  // The start slot whose amplitudes follow the first round: the best split
+  // (16 to 27) if it scored above 0.0, else the best other start; slot 0 where
+  // no score counts.
+  static int amplitudeSlot(const real_T* scores);
+  // Whether the members holding both amplitudes run in slots 28 to 31: each
+  // strictly inside (0, 0.99).
+  static bool amplitudesFillStartTable(const real_T amplitudes[2]) {
+    return !(amplitudes[0] <= 0.0 || amplitudes[0] >= 0.99 || amplitudes[1] <= 0.0 ||
+             amplitudes[1] >= 0.99);
+  }
 
   static void startAttempts(const CurvePoints& c, real_T RT, StartTable& t, Estimate& e);
   static void completeStartTable(const CurvePoints& c, real_T RT, int best, StartTable& t,

@@ -85,19 +85,19 @@ TYPED_TEST(Ladders, EveryFirstPassPlaceHitsAtItsThresholdWithItsCode) {
     std::vector<real_T> scores(L::kStartSlots, 0.9);
     scores[places[j].slot] = firstPassThreshold(0);
     if (j + 1 < places.size()) scores[places[j + 1].slot] = firstPassThreshold(0);
-    const FirstPassHit hit = firstPassLadder(F::kFirstPassRungs, count, scores.data());
+    const FirstPassHit hit = firstPassLadder(std::data(F::kFirstPassRungs), count, scores.data());
     ASSERT_TRUE(hit.step == 0 && hit.place == static_cast<int>(j));
     EXPECT_TRUE(F::kFirstPassRungs[hit.place].slot == places[j].slot &&
                 F::kFirstPassRungs[hit.place].code == places[j].code);
     scores[places[j].slot] = below(firstPassThreshold(0));
-    const FirstPassHit next = firstPassLadder(F::kFirstPassRungs, count, scores.data());
+    const FirstPassHit next = firstPassLadder(std::data(F::kFirstPassRungs), count, scores.data());
     EXPECT_EQ(next.place, static_cast<int>(j + 1 < places.size() ? j + 1 : j));
   }
   std::vector<real_T> lowest(L::kStartSlots, 0.9);
   lowest[places.back().slot] = firstPassThreshold(49);
-  EXPECT_EQ(firstPassLadder(F::kFirstPassRungs, count, lowest.data()).step, 49);
+  EXPECT_EQ(firstPassLadder(std::data(F::kFirstPassRungs), count, lowest.data()).step, 49);
   lowest[places.back().slot] = below(lowest[places.back().slot]);
-  const FirstPassHit none = firstPassLadder(F::kFirstPassRungs, count, lowest.data());
+  const FirstPassHit none = firstPassLadder(std::data(F::kFirstPassRungs), count, lowest.data());
   EXPECT_TRUE(none.step == -1 && none.place == -1);
 }
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "strategies/one_transition_family.h"
+#include "strategies/three_transition_family.h"
 #include "strategies/two_transition_family.h"
 #include "test_support.h"
 
@@ -65,6 +66,32 @@ struct Literals<Family<2>> {
                                             {0, 40, 41, 42, 43, 44, 45, 62}};
 };
 
-using FittedFamilies = ::testing::Types<Family<1>, Family<2>>;
+template <>
+struct Literals<Family<3>> {
+  static constexpr int32_T kMinPoints = 24;
+  static constexpr int kStartSlots = 32, kHeldSlots = 16;
+  // A flat curve has no change: its ratio is not at least 1.
+  static constexpr int kFlatCurveCode = 32;
+  static constexpr bool kTrims = false;
+  // Codes 32 to 34 are kept for failures.
+  static inline const std::vector<RungLiteral> pairRungs = {
+      {12, 0.0, 5, 6, 0, 0},        {15, 0.0, 7, 8, 0, 0},        {13, 0.0, 9, 10, 0, 0},
+      {14, 0.0, 11, 12, 0, 0},      {4, -0.0005, 13, 14, 0, 0},   {7, -0.0005, 15, 16, 0, 0},
+      {5, -0.0005, 17, 18, 0, 0},   {6, -0.0005, 19, 20, 0, 0},   {8, 0.0, 21, 22, 0, 0},
+      {11, 0.0, 23, 24, 0, 0},      {9, 0.0, 25, 26, 0, 0},       {10, 0.0, 27, 28, 0, 0},
+      {0, 0.001, 29, 30, 0, 0},     {3, 0.001, 31, 35, 0, 0},     {1, 0.001, 36, 37, 0, 0},
+      {2, 0.001, 38, 39, 0, 0}};
+  // Slots counted from 0 here; place p writes code p + 40.
+  static inline const std::vector<PlaceLiteral> firstPass = {
+      {12, 40}, {15, 41}, {14, 42}, {13, 43}, {28, 44}, {31, 45}, {30, 46}, {29, 47},
+      {24, 48}, {27, 49}, {26, 50}, {25, 51}, {0, 52},  {3, 53},  {2, 54},  {1, 55},
+      {4, 56},  {7, 57},  {6, 58},  {5, 59},  {8, 60},  {11, 61}, {10, 62}, {9, 63},
+      {20, 64}, {23, 65}, {22, 66}, {21, 67}, {16, 68}, {19, 69}, {18, 70}, {17, 71}};
+  static constexpr CodeLiterals codes[3] = {{1, 32, 32, 33, 2, 3, 4, 34},
+                                            {0, 0, 0, 0, 0, 0, 0, 0},
+                                            {0, 0, 0, 0, 0, 0, 0, 0}};
+};
+
+using FittedFamilies = ::testing::Types<Family<1>, Family<2>, Family<3>>;
 
 }  // namespace quent::test
