@@ -91,6 +91,19 @@ TEST(CurveUsable, TwoTransitions) {
   EXPECT_EQ(curveUsableMasked(3, x.data(), 40, y.data(), 40, two.data(), 40), 0.0);
 }
 
+// Three transitions are worth testing from 16 points on, up to 384.
+TEST(CurveUsable, ThreeTransitions) {
+  const real_T truth[13] = {4000.0, 2.0, 9000.0, 4.0, 15000.0, 6.0, 0.3, 0.35,
+                            10.0,   0.0, 2.0,    0.0, kFixedRT};
+  for (const int32_T n : {15, 16, 384, 385}) {
+    const Vec x = test::grid(n, 0.0, 8.0), y = test::evaluated(curveModel3, truth, x);
+    const std::vector<int32_T> ones(n, 1);
+    const real_T usable = n == 16 || n == 384 ? 1.0 : 0.0;
+    EXPECT_EQ(curveUsable(4, x.data(), n, y.data(), n), usable) << n;
+    EXPECT_EQ(curveUsableMasked(4, x.data(), n, y.data(), n, ones.data(), n), usable) << n;
+  }
+}
+
 // The quick fits at a fixed RT must reach an R squared of 0.95: with noise of
 // 18% of the amplitude the best of them scores 0.9511, with 20% 0.9406.
 // Three kept points can carry them, when they are well placed.

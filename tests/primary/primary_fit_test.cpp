@@ -203,6 +203,40 @@ TEST(PrimaryFit, TwoTransitionPlate) {
   }
 }
 
+// A plate of three transitions (state count 4): every row carries all three,
+// in ascending order, close to the curves' midpoints and shares.
+TEST(PrimaryFit, ThreeTransitionPlate) {
+  Plate p({1.0}, 0, 96);
+  for (const real_T c : {1.0, 4.0})
+    for (int r = 0; r < 2; ++r) {
+      const real_T dG[3] = {4000.0 + 300.0 * std::log(c), 9600.0 + 400.0 * std::log(c),
+                            15000.0 + 500.0 * std::log(c)};
+      const real_T truth[13] = {dG[0], dG[0] / 2400.0, dG[1], dG[1] / 2400.0, dG[2],
+                                dG[2] / 2400.0, 0.3, 0.35, 100.0, 0.0, 42.0, 0.0,
+                                rtFromCelsius(25.0)};
+      const std::vector<real_T> x = grid(96, 0.0, 8.0);
+      std::vector<real_T> y = evaluated(curveModel3, truth, x);
+      for (int32_T i = 0; i < 96; ++i) y[i] += 0.1 * noise(i, 7 + r);
+      p.den.insert(p.den.end(), x.begin(), x.end());
+      p.sig.insert(p.sig.end(), y.begin(), y.end());
+      p.conc.push_back(c);
+    }
+  const FitResult r = primaryFit(p, 4);
+  ASSERT_EQ(r.rows.size(), 24u * 4);
+  for (int32_T c = 0; c < 4; ++c) {
+    SCOPED_TRACE(c);
+    const real_T* row = r.row(c);
+    EXPECT_TRUE(row[13] == 4.0 || row[13] == 5.0) << row[13];
+    EXPECT_EQ(transitionsOfRow(row), 3);
+    const real_T lnc = std::log(p.conc[c]);
+    EXPECT_NEAR(row[5], (4000.0 + 300.0 * lnc) / 2400.0, 0.05);
+    EXPECT_NEAR(row[7], (9600.0 + 400.0 * lnc) / 2400.0, 0.05);
+    EXPECT_NEAR(row[10], (15000.0 + 500.0 * lnc) / 2400.0, 0.05);
+    EXPECT_NEAR(row[8], 0.3, 0.02);
+    EXPECT_NEAR(row[11], 0.35, 0.02);
+  }
+}
+
 // The measured tANK curve (41 points, denaturant descending, sorted here as
 // a host must), fitted as one curve at concentration 1 and 25 degrees with
 // two transitions: the free energies published for it are 4.78 and 8.33
