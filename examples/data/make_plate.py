@@ -3,13 +3,14 @@
 
     make_plate.py                          plate_parameters.json  -> plate.csv
     make_plate.py plate2_parameters.json   (two transitions)      -> plate2.csv
+    make_plate.py plate3_parameters.json   (three transitions)    -> plate3.csv
 
 The output file is named in the parameters ("output").  Every curve follows
-the model of one or two transitions with linear baselines: each free energy
+the model of one, two or three transitions with linear baselines: each free energy
 rises with ln(sample concentration), dG(c) = dG_at_1 + dG_per_ln_conc * ln(c),
 each transition has one m value for all curves, and its midpoint is
 Cm = dG / m.  With two transitions the first makes the share amp1 of the
-signal change.  Gaussian noise and a few spikes (curve, point, size) make the
+signal change; with three the first two make amp1 and amp2.  Gaussian noise and a few spikes (curve, point, size) make the
 data untidy.  Signals stay positive, as the fitting library counts
 non-positive group means as missing.
 Output columns: curve, sample_conc, denaturant, signal.
@@ -40,7 +41,12 @@ spikes = {(c, i): size for c, i, size in p["spikes"]}
 m_values = per_transition("m_value")
 dg_at_1 = per_transition("dG_at_1")
 dg_per_ln = per_transition("dG_per_ln_conc")
-shares = [p["amp1"], 1.0 - p["amp1"]] if len(m_values) == 2 else [1.0]
+if len(m_values) == 3:
+    shares = [p["amp1"], p["amp2"], 1.0 - p["amp1"] - p["amp2"]]
+elif len(m_values) == 2:
+    shares = [p["amp1"], 1.0 - p["amp1"]]
+else:
+    shares = [1.0]
 a, b = p["native_baseline"]
 c, d = p["unfolded_baseline"]
 rows = []
