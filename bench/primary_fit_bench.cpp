@@ -1,7 +1,8 @@
 // Cost of a whole primary fit through the export: a plate of 96 curves (12
-// concentrations, 8 replicates) of one transition, and one of 48 curves (6
-// concentrations, 8 replicates) of two, 96 points per curve, with a small
-// deterministic ripple and a spike in every fifth curve.  The "per_curve"
+// concentrations, 8 replicates) of one transition and one of 48 curves (6
+// concentrations) of two, 96 points per curve, and one of 24 curves (3
+// concentrations) of three with 120 points; each with a small deterministic
+// ripple and a spike in every fifth curve.  The "per_curve"
 // counter is the time of one call divided by its curves.
 #include <benchmark/benchmark.h>
 
@@ -17,8 +18,8 @@
 namespace quent {
 namespace {
 
-// The plate's curves: transitions T, the one or two free energies rising
-// with ln(sample concentration) at m values of 1900 (one) or 2400 (two).
+// The plate's curves: transitions T, the free energies rising with ln(sample
+// concentration) at m values of 1900 (one) or 2400 (two and three).
 template <int T>
 void plate(int32_T curves, int32_T n, std::vector<real_T>& den, std::vector<real_T>& sig,
            std::vector<real_T>& conc) {
@@ -29,11 +30,17 @@ void plate(int32_T curves, int32_T n, std::vector<real_T>& den, std::vector<real
       const real_T dG = 5200.0 + 650.0 * std::log(sample);
       const real_T one[7] = {dG, dG / 1900.0, 100.0, 0.0, 42.0, 0.0, rtFromCelsius(25.0)};
       std::copy(one, one + 7, p);
-    } else {
+    } else if constexpr (T == 2) {
       const real_T dG1 = 6000.0 + 300.0 * std::log(sample), dG2 = 13200.0 + 500.0 * std::log(sample);
       const real_T two[10] = {dG1, dG1 / 2400.0, dG2, dG2 / 2400.0, 0.4, 100.0, 0.0, 42.0, 0.0,
                               rtFromCelsius(25.0)};
       std::copy(two, two + 10, p);
+    } else {
+      const real_T dG1 = 4000.0 + 300.0 * std::log(sample), dG2 = 9600.0 + 400.0 * std::log(sample),
+                   dG3 = 15000.0 + 500.0 * std::log(sample);
+      const real_T three[13] = {dG1,  dG1 / 2400.0, dG2,  dG2 / 2400.0, dG3, dG3 / 2400.0, 0.3,
+                                0.35, 100.0,        0.0,  42.0,         0.0, rtFromCelsius(25.0)};
+      std::copy(three, three + 13, p);
     }
     std::vector<real_T> x(n), y(n);
     for (int32_T i = 0; i < n; ++i) x[i] = 8.0 * i / (n - 1);
@@ -47,8 +54,7 @@ void plate(int32_T curves, int32_T n, std::vector<real_T>& den, std::vector<real
 }
 
 template <int T>
-void primaryFitPlate(benchmark::State& state, int32_T curves) {
-  constexpr int32_T n = 96;
+void primaryFitPlate(benchmark::State& state, int32_T curves, int32_T n = 96) {
   std::vector<real_T> den, sig, conc;
   plate<T>(curves, n, den, sig, conc);
   const int32_T pointsSize[2] = {1, curves * n}, concSize[2] = {1, curves};
@@ -75,8 +81,12 @@ void PrimaryFit96CurvesOf96Points(benchmark::State& state) { primaryFitPlate<1>(
 void PrimaryFit48TwoTransitionCurvesOf96Points(benchmark::State& state) {
   primaryFitPlate<2>(state, 48);
 }
+void PrimaryFit24ThreeTransitionCurvesOf120Points(benchmark::State& state) {
+  primaryFitPlate<3>(state, 24, 120);
+}
 BENCHMARK(PrimaryFit96CurvesOf96Points)->Unit(benchmark::kMillisecond);
 BENCHMARK(PrimaryFit48TwoTransitionCurvesOf96Points)->Unit(benchmark::kMillisecond);
+BENCHMARK(PrimaryFit24ThreeTransitionCurvesOf120Points)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace quent
