@@ -17,5 +17,12 @@ inline int32_T rounded(real_T v) { return static_cast<int32_T>(roundHalfAway(v))
 // The slope of the flat baselines a poor part of a split curve restarts from.
 constexpr real_T kTokenSlope = 0.001;
 
+// A part whose fit scores below this is fitted once more.
+constexpr real_T kGoodPart = 0.99;
+
+// Fewer points than this cannot carry a cut: it would read positions the
+// points do not have.
+constexpr int32_T kLeastPoints = 8;
+
 }  // namespace split
 }  // namespace quent

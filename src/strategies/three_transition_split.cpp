@@ -21,13 +21,11 @@ namespace {
 using L1 = TransitionLayout<1>;
 using L3 = TransitionLayout<3>;
 using split::at;
+using split::kGoodPart;
+using split::kLeastPoints;
 using split::kTokenSlope;
 using split::rounded;
 
-constexpr real_T kGoodStretch = 0.99;
-// Fewer points than this cannot carry the cut: it would read positions the
-// points do not have.
-constexpr int32_T kLeastPoints = 8;
 
 struct Stretch {
   const real_T* x;
@@ -58,7 +56,7 @@ void fitStretch(const Stretch& s, real_T dG, real_T Cm, LineCoefficients native,
   start[L1::unfoldedSlope] = unfolded.slope;
   start[L1::RT] = RT;
   heldFit<OneTransitionModel>(s.x, s.y, s.n, start, attempts1::holdRT, fit);
-  if (!(rSquaredOfFit<1>(s.x, s.y, s.n, fit) < kGoodStretch)) return;
+  if (!(rSquaredOfFit<1>(s.x, s.y, s.n, fit) < kGoodPart)) return;
   start[L1::nativeIntercept] = s.y[0];
   start[L1::nativeSlope] = kTokenSlope;
   start[L1::unfoldedIntercept] = s.y[s.n - 1];

@@ -24,13 +24,11 @@ using L1 = TransitionLayout<1>;
 using L2 = TransitionLayout<2>;
 
 using split::at;
+using split::kGoodPart;
+using split::kLeastPoints;
 using split::kTokenSlope;
 using split::rounded;
 
-constexpr real_T kGoodHalf = 0.99;
-// Fewer points than this cannot carry the cut: it would read positions the
-// points do not have.
-constexpr int32_T kLeastPoints = 8;
 
 // One half fitted with one transition, the start it came from, and its score.
 struct Half {
@@ -53,7 +51,7 @@ void fitHalf(Half& h, real_T dG, real_T Cm, LineCoefficients native, LineCoeffic
   start[L1::RT] = RT;
   heldFit<OneTransitionModel>(h.x, h.y, h.n, start, attempts1::holdRT, h.fit);
   h.score = rSquaredOfFit<1>(h.x, h.y, h.n, h.fit);
-  if (h.fit[L1::dG(0)] != kFailed && !(h.score < kGoodHalf)) return;
+  if (h.fit[L1::dG(0)] != kFailed && !(h.score < kGoodPart)) return;
   // A poor half is tried once more from flat baselines at its own ends.
   start[L1::nativeIntercept] = h.y[0];
   start[L1::nativeSlope] = kTokenSlope;
