@@ -94,8 +94,9 @@ QUENT_API void QUENT_dGtrend_normalization(const real_T *values,
 
 /*
  * Fits every curve of a plate with the model family of stateCount (3: two
- * transitions, 4: three, any other value: one transition; for now every
- * value fits one transition) at temperatureC in degrees Celsius (0 to 100).
+ * transitions through one intermediate state, 4: three transitions through
+ * two, any other value: one transition) at temperatureC in degrees Celsius
+ * (0 to 100).
  *  - denaturant, signal: all curves one after the other, pointsPerCurve
  *    points each; the curve count is their length over pointsPerCurve,
  *    rounded.  sampleConc: one concentration per curve, above 0, equal
