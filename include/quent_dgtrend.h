@@ -130,6 +130,50 @@ QUENT_API void QUENT_dGtrend_primaryFit(int32_T pointsPerCurve,
                                         Int32Array *pointMask);
 
 /*
+ * Fits the curves of a plate again under the host's own choice of points and
+ * curves, typically the pointMask a QUENT_dGtrend_primaryFit returned with
+ * some points or whole curves taken out.  pointsPerCurve, denaturant,
+ * signal, sampleConc, stateCount, temperatureC and fitRows are those of
+ * QUENT_dGtrend_primaryFit, and so are its refusals.
+ *  - pointMask: pair, one entry per point of every curve (curves * pointsPerCurve),
+ *    1 for a point the fit may use.  Nothing else is screened or dropped:
+ *    spikes the host keeps stay in.
+ *  - curveFlags: pair, one entry per curve, 1 for a curve to fit; the other
+ *    curves take no part in the reference fit, the trend or the statistics.
+ *  - Both are only read, by the stride rule; there is no mask output.  A
+ *    pointMask shorter than curves * pointsPerCurve, or fewer curveFlags than
+ *    curves, fail the whole call: every row at -1 in column 12, zeros
+ *    elsewhere.
+ * Column 13 of a row at -1 in column 12 says why no fit was accepted:
+ *   0   the curve kept fewer points than its model needs (8, 16 or 24 for
+ *       one, two or three transitions), or no reference fit was found for
+ *       the plate; with one transition also a flag other than 1 or a failed
+ *       refit;
+ *   35  its flag is not 1 (two and three transitions);
+ *   6, 5  its refits failed (two, three transitions);
+ *   12  its fit failed the quality gates once the trend set its energies:
+ *       R squared below 0.95, a negative free energy, or an error of the
+ *       first free energy above a quarter of it.
+ * An accepted row carries the code of its refit: 2 for one transition, 3
+ * (amplitudes held) or 6 (free) for two, 4 (held) or 5 (free) for three.
+ * Several threads may fit at once, each with its own outputs.
+ */
+QUENT_API void QUENT_dGtrend_user_primaryFit(int32_T pointsPerCurve,
+                                             const real_T *denaturant,
+                                             const int32_T *denaturantSize,
+                                             const real_T *signal,
+                                             const int32_T *signalSize,
+                                             const real_T *sampleConc,
+                                             const int32_T *sampleConcSize,
+                                             const int32_T *pointMask,
+                                             const int32_T *pointMaskSize,
+                                             const int32_T *curveFlags,
+                                             const int32_T *curveFlagsSize,
+                                             int32_T stateCount,
+                                             real_T temperatureC,
+                                             RealArray *fitRows);
+
+/*
  * Draws the trend G(c) = intercept + slope * ln(c) on pointCount evenly
  * spaced concentrations from the smallest to the largest entry of conc.
  * coefficients = {slope, intercept}, as returned by the reduction step.

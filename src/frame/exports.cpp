@@ -7,6 +7,7 @@
 #include "analysis/trend_fractions.h"
 #include "frame/array.h"
 #include "primary/primary_fit.h"
+#include "primary/user_primary_fit.h"
 
 using namespace quent;
 
@@ -45,6 +46,17 @@ QUENT_API void QUENT_dGtrend_primaryFit(int32_T pointsPerCurve, const real_T* de
                                         Int32Array* pointMask) {
   primaryFit(pointsPerCurve, denaturant, denaturantSize, signal, signalSize, sampleConc,
              sampleConcSize, stateCount, temperatureC, fitRows, pointMask);
+}
+
+QUENT_API void QUENT_dGtrend_user_primaryFit(
+    int32_T pointsPerCurve, const real_T* denaturant, const int32_T* denaturantSize,
+    const real_T* signal, const int32_T* signalSize, const real_T* sampleConc,
+    const int32_T* sampleConcSize, const int32_T* pointMask, const int32_T* pointMaskSize,
+    const int32_T* curveFlags, const int32_T* curveFlagsSize, int32_T stateCount,
+    real_T temperatureC, RealArray* fitRows) {
+  userPrimaryFit(pointsPerCurve, denaturant, denaturantSize, signal, signalSize, sampleConc,
+                 sampleConcSize, pointMask, pointMaskSize, curveFlags, curveFlagsSize, stateCount,
+                 temperatureC, fitRows);
 }
 
 QUENT_API void QUENT_dGtrend_trend(const real_T* conc, const int32_T* concSize,
