@@ -3,12 +3,17 @@
 // draws it.  It calls the C interface exactly as an instrument program would:
 // wrap buffers, fit, reduce, draw, and read results back from the records.
 //
-//   fit_plate [--states 2|3|4] [--temperature C] [--golden] FILE.csv
+//   fit_plate [--states 2|3|4] [--temperature C] [--golden]
+//             [--exclude-curve ID]... [--drop ID:FIRST-LAST]... FILE.csv
 //
 // FILE.csv is either a plate in long form (columns curve, sample_conc,
 // denaturant, signal) or one measured curve (columns denaturant, signal).
 // --golden prints every output number with 17 significant digits instead of
 // the readable tables, for comparison with a stored result.
+// --exclude-curve and --drop refit the plate under the scientist's own
+// choice: the automatic fit's point mask with points FIRST to LAST (from 0,
+// in ascending denaturant) of curve ID taken out, and without the excluded
+// curves; both fits are printed side by side.
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -97,6 +102,96 @@ void release(Record* r) {
 
 int32_T count(const RealArray* r) { return r->size[0] * r->size[1]; }
 
+// Points a scientist takes out of one curve.
+struct Drop {
+  std::string id;
+  int first = 0, last = -1;
+};
+
+bool parseDrop(const char* text, Drop& d) {
+  const char* colon = std::strrchr(text, ':');
+  if (colon == nullptr || std::sscanf(colon + 1, "%d-%d", &d.first, &d.last) != 2 ||
+      d.first < 0 || d.last < d.first)
+    return false;
+  d.id.assign(text, colon);
+  return true;
+}
+
+// The scientist's choice: curve flags and a point mask, from the automatic
+// fit's mask.  False, with a message, for a curve the file does not have.
+bool userChoice(const std::vector<Curve>& curves, const std::vector<std::string>& excluded,
+                const std::vector<Drop>& drops, const int32_T* automaticMask,
+                int32_T pointsPerCurve, std::vector<int32_T>& flags, std::vector<int32_T>& mask,
+                std::string& error) {
+  const auto indexOf = [&](const std::string& id) {
+    for (size_t c = 0; c < curves.size(); ++c)
+      if (curves[c].id == id) return static_cast<int>(c);
+    error = "no curve " + id + " in the file";
+    return -1;
+  };
+  flags.assign(curves.size(), 1);
+  mask.assign(automaticMask, automaticMask + curves.size() * pointsPerCurve);
+  for (const std::string& id : excluded) {
+    const int c = indexOf(id);
+    if (c < 0) return false;
+    flags[c] = 0;
+  }
+  for (const Drop& d : drops) {
+    const int c = indexOf(d.id);
+    if (c < 0) return false;
+    for (int i = d.first; i <= d.last && i < pointsPerCurve; ++i) mask[c * pointsPerCurve + i] = 0;
+  }
+  return true;
+}
+
+// The automatic fit and the refit under the scientist's choice, curve by
+// curve (first transition), and the two trends.
+void printUserRefit(bool golden, const std::vector<Curve>& curves,
+                    const std::vector<std::string>& excluded, const std::vector<Drop>& drops,
+                    int32_T pointsPerCurve, const double* rows, const int32_T* mask,
+                    const double* summary, const double* userRows, const int32_T* userMask,
+                    const int32_T* userFlags, const double* userSummary) {
+  if (golden) {
+    std::printf("# user_primaryFit fitRows\n");
+    for (size_t c = 0; c < curves.size(); ++c) {
+      for (int32_T k = 0; k < 24; ++k) std::printf("%s%.17g", k ? " " : "", userRows[24 * c + k]);
+      std::printf("\n");
+    }
+    std::printf("# user summary\n%.17g %.17g %.17g %.17g\n", userSummary[0], userSummary[1],
+                userSummary[2], userSummary[3]);
+    return;
+  }
+  std::printf("\nrefit under your choice:");
+  const char* separator = " ";
+  for (const std::string& id : excluded) {
+    std::printf("%scurve %s left out", separator, id.c_str());
+    separator = "; ";
+  }
+  for (const Drop& d : drops) {
+    std::printf("%scurve %s points %d-%d taken out", separator, d.id.c_str(), d.first, d.last);
+    separator = "; ";
+  }
+  std::printf("\n%-6s %8s | %-36s | %-36s\n", "", "", "automatic", "yours");
+  std::printf("%-6s %8s | %4s %9s %7s %8s %4s | %4s %9s %7s %8s %4s\n", "curve", "conc", "code",
+              "dG1", "Cm1", "R2", "used", "code", "dG1", "Cm1", "R2", "used");
+  const auto cells = [pointsPerCurve](const double* r, const int32_T* m, size_t c) {
+    int used = 0;
+    for (int32_T i = 0; i < pointsPerCurve; ++i) used += m[c * pointsPerCurve + i];
+    if (r[12] > 0.0) std::printf("%4.0f %9.1f %7.4f %8.5f %4d", r[13], r[4], r[5], r[14], used);
+    else std::printf("%4.0f %-31s", r[13], " no accepted fit");
+  };
+  for (size_t c = 0; c < curves.size(); ++c) {
+    std::printf("%-6s %8.4g | ", curves[c].id.c_str(), curves[c].conc);
+    cells(rows + 24 * c, mask, c);
+    std::printf(" | ");
+    if (userFlags[c] == 1) cells(userRows + 24 * c, userMask, c);
+    else std::printf("%4.0f %-31s", userRows[24 * c + 13], " left out");
+    std::printf("\n");
+  }
+  std::printf("trend slope, intercept: automatic %.2f, %.2f; yours %.2f, %.2f\n", summary[0],
+              summary[1], userSummary[0], userSummary[1]);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -104,14 +199,23 @@ int main(int argc, char** argv) {
   double temperature = 25.0;
   bool golden = false;
   const char* path = nullptr;
+  std::vector<std::string> excluded;
+  std::vector<Drop> drops;
+  bool usage = false;
   for (int i = 1; i < argc; ++i) {
     if (!std::strcmp(argv[i], "--states") && i + 1 < argc) stateCount = std::atoi(argv[++i]);
     else if (!std::strcmp(argv[i], "--temperature") && i + 1 < argc) temperature = std::atof(argv[++i]);
     else if (!std::strcmp(argv[i], "--golden")) golden = true;
-    else path = argv[i];
+    else if (!std::strcmp(argv[i], "--exclude-curve") && i + 1 < argc) excluded.push_back(argv[++i]);
+    else if (!std::strcmp(argv[i], "--drop") && i + 1 < argc) {
+      drops.emplace_back();
+      usage = usage || !parseDrop(argv[++i], drops.back());
+    } else path = argv[i];
   }
-  if (path == nullptr) {
-    std::fprintf(stderr, "usage: fit_plate [--states 2|3|4] [--temperature C] [--golden] FILE.csv\n");
+  if (path == nullptr || usage) {
+    std::fprintf(stderr,
+                 "usage: fit_plate [--states 2|3|4] [--temperature C] [--golden]\n"
+                 "                 [--exclude-curve ID]... [--drop ID:FIRST-LAST]... FILE.csv\n");
     return 2;
   }
   std::vector<Curve> curves;
@@ -261,6 +365,29 @@ int main(int argc, char** argv) {
                   fd->data[i], fragg->data[i], fraggfd->data[i]);
   }
 
+  int status = 0;
+  if (!excluded.empty() || !drops.empty()) {
+    std::vector<int32_T> userFlags, userMask;
+    if (userChoice(curves, excluded, drops, mask->data, pointsPerCurve, userFlags, userMask,
+                   error)) {
+      std::vector<double> userRowBuffer(24 * curves.size());
+      RealArray* userRows = wrap(userRowBuffer, QUENT_emxCreateWrapper_real_T);
+      QUENT_dGtrend_user_primaryFit(pointsPerCurve, denaturant.data(), allSize, signal.data(),
+                                    allSize, conc.data(), concSize, userMask.data(), allSize,
+                                    userFlags.data(), concSize, stateCount, temperature,
+                                    userRows);
+      double userSummary[4];
+      QUENT_dGtrend_calc(conc.data(), concSize, userRows->data, userRows->size, userFlags.data(),
+                         concSize, 1, concOut, trendOut, deviationOut, usedOut, userSummary);
+      printUserRefit(golden, curves, excluded, drops, pointsPerCurve, rows->data, mask->data,
+                     summary, userRows->data, userMask.data(), userFlags.data(), userSummary);
+      release(userRows);
+    } else {
+      std::fprintf(stderr, "fit_plate: %s\n", error.c_str());
+      status = 1;
+    }
+  }
+
   release(rows);
   release(mask);
   release(concOut);
@@ -268,5 +395,5 @@ int main(int argc, char** argv) {
   release(deviationOut);
   release(usedOut);
   for (RealArray* r : {grid, line, fd, fragg, fraggfd}) release(r);
-  return 0;
+  return status;
 }
