@@ -129,6 +129,18 @@ TEST(FinalCurveFit, EveryFamily) {
     EXPECT_EQ(row[13], code);
     EXPECT_NEAR(row[8], amp1, 1e-9);
   }
+  // The same with three transitions, whose shares may move by less than 0.07.
+  for (const auto& [moved, code, amp1] : {std::tuple{0.069, 5.0, 0.3}, {0.075, 4.0, 0.375}}) {
+    const real_T p[13] = {2000.0, 1.0, 6000.0, 3.0, 10000.0, 5.0, 0.3, 0.35, 1.0, 0.05, 5.0, 0.1,
+                          kFixedRT};
+    const std::vector<real_T> x = test::grid(96, 0.0, 6.0), y = test::evaluated(curveModel3, p, x);
+    real_T reference[kRowColumns] = {}, row[kRowColumns];
+    paramsToRow<3>(p, reference);
+    reference[8] += moved;
+    finalCurveFit<3>(x.data(), y.data(), 96, reference, true, row);
+    EXPECT_EQ(row[13], code);
+    EXPECT_NEAR(row[8], amp1, 1e-9);
+  }
 }
 
 // Where the free refit of two or three transitions stands on its shares.

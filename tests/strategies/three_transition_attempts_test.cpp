@@ -129,6 +129,9 @@ TEST(Attempt3Start, EnergiesMidpointsAndBaselines) {
   test::expectList(s, 13, {4000.0, x0 + (xl - x0) / 4.0, 8000.0, x0 + 2.0 * (xl - x0) / 4.0,
                            12000.0, x0 + 3.0 * (xl - x0) / 4.0, 0.2, 0.3, t.nativeIntercept,
                            t.nativeSlope, t.unfoldedIntercept, t.unfoldedSlope, 600.0});
+  // The quick fits of a usable curve start from amplitudes 0.35 and 0.3.
+  startOf<F>(A::FlatCore, p.view(), 600.0, F::kNoEstimate, kAbsentPair, kAbsentPair, s);
+  EXPECT_TRUE(s[6] == 0.35 && s[7] == 0.3);
   startOf<F>(A::SegmentCoreAmps, p.view(), 600.0, amplitudes(0.2, 0.3), kAbsentPair, kAbsentPair,
              s);
   const BaselinePairs g = segmentBaselines(p.x.data(), p.y.data(), 30);
