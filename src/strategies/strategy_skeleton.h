@@ -145,6 +145,7 @@ HeldBaselines baselinesFromGoodSlots(const Table& t) {
 // Stage 1.  False when no start scored 0.0 or more.
 template <class F>
 bool startStage(const CurvePoints& c, real_T RT, Tables<F>& w) {
+  static_assert(F::kBestWalkEnd <= F::StartTable::kSlots);
   F::startAttempts(c, RT, w.start, w.estimate);
   const BestSlot best = bestSlot(w.start.score, 0, F::kBestWalkEnd, 0);
   if (best.score < 0.0) return false;
@@ -206,6 +207,7 @@ const real_T* bothHeldStage(const CurvePoints& c, real_T RT, const Tables<F>& w,
 template <class F>
 int heldStage(Side side, const CurvePoints& c, typename F::HeldTable& t) {
   constexpr int kSlots = F::HeldTable::kSlots;
+  static_assert(F::kHeldScored <= kSlots);
   scoreSlots<F>(c, t, 0, F::kHeldScored);
   for (int s = F::kHeldScored; s < kSlots; ++s) t.score[s] = 0.0;
   int32_T order[kSlots];
