@@ -93,6 +93,43 @@ QUENT_API void QUENT_dGtrend_normalization(const real_T *values,
                                            int32_T *scaledSize);
 
 /*
+ * A fit row holds 24 real_T values for one curve; columns from 0:
+ *   0, 1    native baseline: signal = [0] + [1] * denaturant
+ *   2, 3    unfolded baseline, alike
+ *   4, 5    dG1 (cal/mol, at zero denaturant) and Cm1 (denaturant units)
+ *           of the first transition
+ *   6, 7    dG2, Cm2 (two and three transitions; 0 with one)
+ *   8       amp1, the share of the signal change the first transition makes
+ *           (two and three transitions)
+ *   9, 10   dG3, Cm3 (three transitions)
+ *   11      amp2, the share the second transition makes (three transitions)
+ *   12      RT in cal/mol (from temperatureC); -1 for a curve without an
+ *           accepted fit, whose other columns are then 0 but for column 13
+ *   13      the code of the step that wrote the row (see below)
+ *   14      R squared on the points used
+ *   15-17   uncertainty of dG1, dG2, dG3 in cal/mol (a 95 percent bound)
+ *   18-20   equilibrium constant of unfolding of each transition at zero
+ *           denaturant, times 1e6
+ *   21-23   0
+ * Transitions stand in ascending order of midpoint.  Column 13 of a
+ * primary fit's row:
+ *   2       accepted, one transition
+ *   3, 6    accepted, two transitions, amplitude held at the plate's
+ *           reference fit or fitted freely
+ *   4, 5    accepted, three transitions, amplitudes held or free
+ *   with column 12 at -1:
+ *   0       the curve kept fewer points than its model needs (8, 16 or 24
+ *           for one, two or three transitions), or no reference fit was
+ *           found for the plate; with one transition also a failed refit
+ *   6, 5    the refits of a curve of two or three transitions failed
+ *   12      the fit failed the quality gates once the trend over
+ *           concentration set its energies: R squared below 0.95, a negative
+ *           free energy, or an uncertainty of dG1 above a quarter of it
+ *   35      (QUENT_dGtrend_user_primaryFit only) the host left the curve
+ *           out; with one transition such a row shows 0
+ */
+
+/*
  * Fits every curve of a plate with the model family of stateCount (3: two
  * transitions through one intermediate state, 4: three transitions through
  * two, any other value: one transition) at temperatureC in degrees Celsius
@@ -144,18 +181,8 @@ QUENT_API void QUENT_dGtrend_primaryFit(int32_T pointsPerCurve,
  *    pointMask shorter than curves * pointsPerCurve, or fewer curveFlags than
  *    curves, fail the whole call: every row at -1 in column 12, zeros
  *    elsewhere.
- * Column 13 of a row at -1 in column 12 says why no fit was accepted:
- *   0   the curve kept fewer points than its model needs (8, 16 or 24 for
- *       one, two or three transitions), or no reference fit was found for
- *       the plate; with one transition also a flag other than 1 or a failed
- *       refit;
- *   35  its flag is not 1 (two and three transitions);
- *   6, 5  its refits failed (two, three transitions);
- *   12  its fit failed the quality gates once the trend set its energies:
- *       R squared below 0.95, a negative free energy, or an error of the
- *       first free energy above a quarter of it.
- * An accepted row carries the code of its refit: 2 for one transition, 3
- * (amplitudes held) or 6 (free) for two, 4 (held) or 5 (free) for three.
+ * The rows and their codes are those described above QUENT_dGtrend_primaryFit;
+ * a curve left out reads code 35 (two and three transitions) or 0 (one).
  * Several threads may fit at once, each with its own outputs.
  */
 QUENT_API void QUENT_dGtrend_user_primaryFit(int32_T pointsPerCurve,
