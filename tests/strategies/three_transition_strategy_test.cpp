@@ -1,6 +1,7 @@
 // Fits of synthetic three-transition curves through the strategy: the exit
 // each curve takes, the parameters recovered in canonical order, and the
 // choices of the start table as functions of its scores and flags.
+#include "strategies/attempt_runner.h"
 #include "strategies/exit_rows.h"
 #include "strategies/strategy_skeleton.h"
 #include "strategies/three_transition_family.h"
@@ -184,6 +185,36 @@ TEST(ThreeTransitionStart, RevisedAmplitudes) {
   EXPECT_EQ(revised({{0.995, 1.0, 1.0, 0.3, -0.3}}), (V{0.45, 0.25}));
   EXPECT_EQ(revised({{0.995, 1.0, 1.0, 0.7, -0.3}}), (V{0.7, -0.3}));
   EXPECT_EQ(revised({{0.999, 0.0, 0.0, 0.2, 0.2}}), (V{0.45, 0.25}));
+}
+
+// The second round of the start table: splits in the four hold forms at the
+// midpoints of the best start (a slot never filled gives zeros), then the
+// amplitudes of the best split; amplitudes of 0.99 or more leave slots 28 to
+// 31 failed at a score of -1.
+TEST(ThreeTransitionStart, SecondRoundSplitsAtTheBestStart) {
+  const Curve c = synthetic({48, {1.5, 3.5, 5.5}, {2500, 2500, 2500}, {0.3, 0.3}, 1, 0.0, 0});
+  const CurvePoints points{c.x.data(), c.y.data(), c.n()};
+  for (const int best : {5, 24}) {
+    SCOPED_TRACE(best);
+    F::StartTable t{};
+    std::fill_n(t.score, 24, -1.0);
+    const real_T midpoints[3] = {1.4, 3.6, 5.4};
+    for (int k = 0; k < 3; ++k) t.value[(2 * k + 1) * 32 + 5] = midpoints[k];
+    F::Estimate e{{-1.0, -1.0, -1.0}, {0.35, 0.3}};
+    F::completeStartTable(points, 600.0, best, t, e);
+    F::Estimate at{{0.0, 0.0, 0.0}, {0.35, 0.3}};
+    if (best == 5) std::copy(midpoints, midpoints + 3, at.midpoints);
+    for (int k = 0; k < 4; ++k) {
+      real_T want[13], got[13];
+      runAttempt<F>(attempts3::inHoldForm(F::Attempt::SplitAt, k), points, 600.0, at, kAbsentPair,
+                    kAbsentPair, want);
+      t.get(24 + k, got);
+      EXPECT_TRUE(std::equal(got, got + 13, want)) << k;
+    }
+    const int found = F::amplitudeSlot(t.score);
+    EXPECT_TRUE(e.amplitudes[0] == t.at(found, 6) && e.amplitudes[1] == t.at(found, 7));
+    EXPECT_EQ(F::amplitudesFillStartTable(e.amplitudes), t.score[28] != -1.0);
+  }
 }
 
 }  // namespace
