@@ -202,6 +202,22 @@ TEST(StretchCut, PositionsAndLimits) {
   EXPECT_EQ(cutOf(stretchCutAt(x24.data(), 24, far)), (std::vector<int32_T>{20, 16, 20, 16, 12, 18, 19}));
   EXPECT_EQ(cutOf(stretchCutAt(x24.data(), 24, triple)), (std::vector<int32_T>{8, 7, 14, 13, 6, 11, 17}));
   EXPECT_EQ(cutOf(stretchCutAt(x10.data(), 10, none)), (std::vector<int32_T>{6, 5, 6, 5, 5, 6, 6}));
+  // Long curves: the first seed is ceil(103 / 2 + 15).
+  const std::vector<real_T> x290 = test::grid(290, 0.0, 289.0);
+  EXPECT_EQ(cutOf(stretchCutByShare(x290.data(), 290)),
+            (std::vector<int32_T>{102, 86, 203, 187, 67, 145, 223}));
+}
+
+// Repeated denaturant at the start of a curve (a third of it at 0 M) leaves
+// no point below the x at floor(0.3 n): the second stretch would start before
+// the curve, and the split fails instead of reading there.
+TEST(StretchCut, TiesBeforeTheCutFailTheSplit) {
+  Points p = threeTransitions(24);
+  std::fill_n(p.x.begin(), 8, 0.0);
+  EXPECT_EQ(stretchCutByShare(p.x.data(), 24).b2, 0);
+  real_T r[13];
+  runFixedRT<F>(A::Split, p.view(), r);
+  EXPECT_EQ(std::count(r, r + 13, -1.0), 13);
 }
 
 // A one-transition fit of seven entries.
