@@ -201,6 +201,8 @@ TEST(StretchCut, PositionsAndLimits) {
   EXPECT_EQ(cutOf(stretchCutAt(x24.data(), 24, none)), (std::vector<int32_T>{8, 7, 17, 16, 6, 12, 19}));
   EXPECT_EQ(cutOf(stretchCutAt(x24.data(), 24, far)), (std::vector<int32_T>{20, 16, 20, 16, 12, 18, 19}));
   EXPECT_EQ(cutOf(stretchCutAt(x24.data(), 24, triple)), (std::vector<int32_T>{8, 7, 14, 13, 6, 11, 17}));
+  const real_T later[3] = {10.0, 12.0, 16.0};  // a junction on an x counts for the end only
+  EXPECT_EQ(cutOf(stretchCutAt(x24.data(), 24, later)), (std::vector<int32_T>{12, 11, 15, 14, 8, 13, 18}));
   EXPECT_EQ(cutOf(stretchCutAt(x10.data(), 10, none)), (std::vector<int32_T>{6, 5, 6, 5, 5, 6, 6}));
   // Long curves: the first seed is ceil(103 / 2 + 15).
   const std::vector<real_T> x290 = test::grid(290, 0.0, 289.0);
