@@ -119,9 +119,11 @@ QUENT_API void QUENT_dGtrend_normalization(const real_T *values,
  *   4, 5    accepted, three transitions, amplitudes held or free
  *   with column 12 at -1:
  *   0       the curve kept fewer points than its model needs (8, 16 or 24
- *           for one, two or three transitions), or no reference fit was
- *           found for the plate; with one transition also a failed refit
- *   6, 5    the refits of a curve of two or three transitions failed
+ *           for one, two or three transitions), or every fit of the plate's
+ *           reference failed; with one transition also a failed refit
+ *   6, 5    the refits of a curve of two or three transitions failed (also
+ *           when no curve of the plate passed the usable test, so that the
+ *           refits started from nothing)
  *   12      the fit failed the quality gates once the trend over
  *           concentration set its energies: R squared below 0.95, a negative
  *           free energy, or an uncertainty of dG1 above a quarter of it

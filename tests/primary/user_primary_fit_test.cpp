@@ -161,9 +161,12 @@ TYPED_TEST(UserPrimaryFit, TooFewPointsFailedRefitsAndTheGates) {
 }
 
 // Masks or flags that stop short of the curves fail the call: every row at
-// -1, zeros elsewhere.  Longer ones are read as far as the curves go.
-TYPED_TEST(UserPrimaryFit, ShortMasksRefuseTheCall) {
-  const TypeParam plate;
+// -1, zeros elsewhere.  Longer ones are read as far as the curves go.  Curve
+// counts that disagree fail it too; a null output is left alone.  No curve
+// of a flat plate is usable, so no group round fits: the refits start from
+// a reference of zeros and fail with their codes.
+TYPED_TEST(UserPrimaryFit, ShortMasksAndUnfittablePlatesFailTheCall) {
+  TypeParam plate;
   const int32_T points = 6 * TypeParam::kPoints;
   for (const auto& [maskLength, flagCount] : {std::pair{points - 1, 6}, {points, 5}, {0, 0}}) {
     const std::vector<real_T> rows =
@@ -172,8 +175,22 @@ TYPED_TEST(UserPrimaryFit, ShortMasksRefuseTheCall) {
     for (int32_T c = 0; c < 6; ++c) expectFailedRow(rowOf(rows, c), 0.0);
   }
   std::vector<int32_T> longer(points + 5, 1);
-  EXPECT_EQ(plate.user(longer, std::vector<int32_T>(9, 1)),
-            plate.user(std::vector<int32_T>(points, 1), std::vector<int32_T>(6, 1)));
+  const std::vector<int32_T> all(points, 1), flags(6, 1);
+  EXPECT_EQ(plate.user(longer, std::vector<int32_T>(9, 1)), plate.user(all, flags));
+
+  plate.conc.pop_back();
+  const std::vector<real_T> mismatch = plate.user(all, flags);
+  ASSERT_EQ(mismatch.size(), 24u * 6);
+  for (int32_T c = 0; c < 6; ++c) expectFailedRow(rowOf(mismatch, c), 0.0);
+  plate.conc.push_back(4.0);
+  std::fill(plate.sig.begin(), plate.sig.end(), 50.0);
+  const std::vector<real_T> flat = plate.user(all, flags);
+  const real_T refitFailed = std::array{0.0, 6.0, 5.0}[TypeParam::kStateCount - 2];
+  for (int32_T c = 0; c < 6; ++c) expectFailedRow(rowOf(flat, c), refitFailed);
+  const int32_T size[2] = {1, points}, six[2] = {1, 6};
+  QUENT_dGtrend_user_primaryFit(TypeParam::kPoints, plate.den.data(), size, plate.sig.data(), size,
+                                plate.conc.data(), six, all.data(), size, flags.data(), six,
+                                TypeParam::kStateCount, 25.0, nullptr);
 }
 
 }  // namespace
