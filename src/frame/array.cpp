@@ -17,7 +17,10 @@ int32_T grownCapacity(int32_T allocated, int32_T needed) {
 
 bool arrayEnsureCapacityRaw(void** data, int32_T* allocatedSize, bool* canFreeData,
                             int32_T newCount, int32_T oldCount, std::size_t width) {
+  // Only what the storage holds can be copied: a host's record may claim
+  // more elements (or negative dimensions) than its buffer has.
   if (oldCount < 0) oldCount = 0;
+  if (oldCount > *allocatedSize) oldCount = *allocatedSize < 0 ? 0 : *allocatedSize;
   if (newCount <= *allocatedSize) return true;
   const int32_T capacity = grownCapacity(*allocatedSize, newCount);
   void* storage = std::calloc(static_cast<std::size_t>(capacity), width);
@@ -55,7 +58,8 @@ void arrayFree(Record** a) {
   *a = nullptr;
 }
 
-void arrayWrap(RealArray* a, real_T* data, int32_T rows, int32_T cols) {
+template <class Record>
+void arrayWrap(Record* a, decltype(Record::data) data, int32_T rows, int32_T cols) {
   a->data = data;
   a->size[0] = rows;
   a->size[1] = cols;
@@ -68,6 +72,8 @@ void arrayWrap(RealArray* a, real_T* data, int32_T rows, int32_T cols) {
   a->canFreeData = false;
 }
 
+template void arrayWrap<RealArray>(RealArray*, real_T*, int32_T, int32_T);
+template void arrayWrap<Int32Array>(Int32Array*, int32_T*, int32_T, int32_T);
 template void arrayInit<RealArray>(RealArray**, int32_T);
 template void arrayInit<Int32Array>(Int32Array**, int32_T);
 template void arrayInit<BoolArray>(BoolArray**, int32_T);

@@ -76,7 +76,8 @@ bool arrayResizeRowFill(Record* a, int32_T n, T value) {
 }
 
 // Fills a record with the host's buffer; the record does not own it.
-void arrayWrap(RealArray* a, real_T* data, int32_T rows, int32_T cols);
+template <class Record>
+void arrayWrap(Record* a, decltype(Record::data) data, int32_T rows, int32_T cols);
 
 extern template void arrayInit<RealArray>(RealArray**, int32_T);
 extern template void arrayInit<Int32Array>(Int32Array**, int32_T);

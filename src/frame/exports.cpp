@@ -11,10 +11,12 @@
 
 using namespace quent;
 
-extern "C" {
+namespace {
 
-QUENT_API RealArray* QUENT_emxCreateWrapper_real_T(real_T* data, int32_T rows, int32_T cols) {
-  RealArray* a = nullptr;
+// A record around a host's buffer, or null when none could be made.
+template <class Record>
+Record* createWrapper(decltype(Record::data) data, int32_T rows, int32_T cols) {
+  Record* a = nullptr;
   arrayInit(&a, 2);
   if (a == nullptr || a->size == nullptr) {
     arrayFree(&a);
@@ -24,13 +26,17 @@ QUENT_API RealArray* QUENT_emxCreateWrapper_real_T(real_T* data, int32_T rows, i
   return a;
 }
 
-// One entry under two names: the records share their layout and the element
-// type plays no part in wrapping.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wattribute-alias"
-QUENT_API Int32Array* QUENT_emxCreateWrapper_int32_T(int32_T* data, int32_T rows, int32_T cols)
-    __attribute__((alias("QUENT_emxCreateWrapper_real_T")));
-#pragma GCC diagnostic pop
+}  // namespace
+
+extern "C" {
+
+QUENT_API RealArray* QUENT_emxCreateWrapper_real_T(real_T* data, int32_T rows, int32_T cols) {
+  return createWrapper<RealArray>(data, rows, cols);
+}
+
+QUENT_API Int32Array* QUENT_emxCreateWrapper_int32_T(int32_T* data, int32_T rows, int32_T cols) {
+  return createWrapper<Int32Array>(data, rows, cols);
+}
 
 QUENT_API void QUENT_dGtrend_normalization(const real_T* values, const int32_T* valuesSize,
                                            real_T reference, real_T target, real_T* scaled,

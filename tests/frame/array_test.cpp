@@ -48,8 +48,9 @@ TEST(ArrayRecord, HostWrapperStaysUntilItMustGrow) {
   EXPECT_EQ(a, nullptr);
 }
 
-// An int32_T wrapper shares the host's entry; nonsense dimensions clip the
-// capacity.
+// An int32_T wrapper shares the host's buffer; nonsense dimensions clip the
+// capacity, and growth copies no more than the buffer holds: a record of
+// -3 by -3 claims nine elements of a one-element buffer.
 TEST(ArrayRecord, WrapperShapesAndClippedCapacity) {
   int32_T host[6] = {1, 2, 3, 4, 5, 6};
   Int32Array* a = QUENT_emxCreateWrapper_int32_T(host, 2, 3);
@@ -58,6 +59,12 @@ TEST(ArrayRecord, WrapperShapesAndClippedCapacity) {
   EXPECT_TRUE(a->allocatedSize == 6 && a->data == host);
   arrayFree(&a);
   EXPECT_EQ(host[5], 6);
+  std::vector<real_T> one(1, 4.5);
+  RealArray* claims = QUENT_emxCreateWrapper_real_T(one.data(), -3, -3);
+  ASSERT_TRUE(claims != nullptr && claims->allocatedSize == 0);
+  ASSERT_TRUE(arrayResizeRow(claims, 9));
+  for (int i = 0; i < 9; ++i) EXPECT_EQ(claims->data[i], 0.0) << i;
+  arrayFree(&claims);
   real_T cell = 0.0;
   RealArray* negative = QUENT_emxCreateWrapper_real_T(&cell, -1, 5);
   RealArray* huge = QUENT_emxCreateWrapper_real_T(&cell, 65536, 65536);
