@@ -84,7 +84,8 @@ QUENT_API Int32Array *QUENT_emxCreateWrapper_int32_T(int32_T *data,
 /*
  * Scales a curve: scaled[i] = values[i] * (target / reference), or the values
  * unchanged when reference is not above 0.  `scaled` is a host buffer with
- * room for every entry of `values`; scaledSize receives {1, length}.
+ * room for every entry of `values`; scaledSize receives {1, length}.  With a
+ * null scaled or scaledSize the call does nothing.
  */
 QUENT_API void QUENT_dGtrend_normalization(const real_T *values,
                                            const int32_T *valuesSize,
@@ -206,8 +207,10 @@ QUENT_API void QUENT_dGtrend_user_primaryFit(int32_T pointsPerCurve,
  * Draws the trend G(c) = intercept + slope * ln(c) on pointCount evenly
  * spaced concentrations from the smallest to the largest entry of conc.
  * coefficients = {slope, intercept}, as returned by the reduction step.
- * Both outputs become 1-by-pointCount.  With fewer than two concentrations or
- * pointCount below 1 both outputs are the single value 1.0 (not a grid).
+ * Both outputs become 1-by-pointCount.  With fewer than two concentrations,
+ * pointCount below 1 or above 100000, or null coefficients, both outputs are
+ * the single value 1.0 (not a grid).  With a null output record the call does
+ * nothing.
  */
 QUENT_API void QUENT_dGtrend_trend(const real_T *conc, const int32_T *concSize,
                                    const real_T *coefficients,
@@ -261,7 +264,8 @@ QUENT_API void QUENT_dGtrend_fraggfd(const real_T *conc,
  *    the line, and U.
  * Inconsistent sizes, more than 96 curves, no fitted row or no usable curve
  * give concOut as above, usedOut all 0, zeros in trendOut and deviationOut,
- * and summary {0, 0, 0, U}.  Safe to call from several threads on separate outputs.
+ * and summary {0, 0, 0, U}.  With a null output record or summary the call
+ * does nothing.  Safe to call from several threads on separate outputs.
  */
 QUENT_API void QUENT_dGtrend_calc(const real_T *sampleConc,
                                   const int32_T *sampleConcSize,

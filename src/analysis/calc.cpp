@@ -291,6 +291,9 @@ void calc(const real_T* sampleConc, const int32_T* sampleConcSize, const real_T*
           const int32_T* fitRowsSize, const int32_T* curveFlags, const int32_T* curveFlagsSize,
           int32_T transition, RealArray* concOut, RealArray* trendOut, RealArray* deviationOut,
           Int32Array* usedOut, real_T* summary) {
+  if (concOut == nullptr || trendOut == nullptr || deviationOut == nullptr ||
+      usedOut == nullptr || summary == nullptr)
+    return;
   const VectorView<real_T> conc = vectorView(sampleConc, sampleConcSize);
   const VectorView<int32_T> flags = vectorView(curveFlags, curveFlagsSize);
   const FitRows rows{vectorView(fitRows, fitRowsSize)};

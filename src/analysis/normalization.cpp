@@ -6,6 +6,7 @@ namespace quent {
 
 void normalization(const real_T* values, const int32_T* valuesSize, real_T reference,
                    real_T target, real_T* scaled, int32_T* scaledSize) {
+  if (scaled == nullptr || scaledSize == nullptr) return;
   const real_T factor = reference > 0.0 ? target / reference : 1.0;
   const VectorView<real_T> v = vectorView(values, valuesSize);
   scaledSize[0] = 1;

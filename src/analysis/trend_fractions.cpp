@@ -18,8 +18,9 @@ namespace {
 // call is answered by the one-element outputs (or storage ran out).
 bool trendOnGrid(const real_T* conc, const int32_T* concSize, const real_T* coefficients,
                  int32_T pointCount, RealArray* concGrid, RealArray* curve) {
+  if (concGrid == nullptr || curve == nullptr) return false;
   const VectorView<real_T> c = vectorView(conc, concSize);
-  if (c.length < 2 || pointCount < 1) {
+  if (c.length < 2 || pointCount < 1 || pointCount > kMaxDrawPoints || coefficients == nullptr) {
     // Not a grid: one element of 1.0 in each output marks the refusal.
     arrayResizeRowFill(concGrid, 1, 1.0);
     arrayResizeRowFill(curve, 1, 1.0);

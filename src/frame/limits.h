@@ -10,6 +10,7 @@ namespace quent {
 constexpr int32_T kMaxFitPoints = 384;     // points of one curve in any fit
 constexpr int32_T kMaxCurvePoints = 2304;  // points of one curve in a call
 constexpr int32_T kMaxCurves = 96;         // curves in one call
+constexpr int32_T kMaxDrawPoints = 100000; // points of a drawn trend or fraction
 constexpr int32_T kRowColumns = 24;        // columns of a fit result row
 
 // Every element of a failed parameter vector, and the failure value of every

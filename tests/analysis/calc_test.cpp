@@ -141,6 +141,15 @@ TEST(Calc, RefusalsGiveTheEmptyAnswer) {
   for (const int32_T* rowsSize : {noRows, negative})
     Calc(conc, size, rows, rowsSize, flags).expectEmptyAnswer({1, 2});
   Calc(conc, noRows, rows, full, flags).expectEmptyAnswer({});
+  // A null output leaves the others as they were.
+  test::OwnedArray<RealArray> concOut, trendOut, deviationOut;
+  test::OwnedArray<Int32Array> usedOut;
+  real_T summary[4] = {7, 7, 7, 7};
+  QUENT_dGtrend_calc(conc, size, rows, full, flags, size, 1, concOut.get(), trendOut.get(),
+                     deviationOut.get(), nullptr, summary);
+  QUENT_dGtrend_calc(conc, size, rows, full, flags, size, 1, concOut.get(), trendOut.get(),
+                     deviationOut.get(), usedOut.get(), nullptr);
+  EXPECT_TRUE(concOut.count() == 0 && summary[3] == 7.0);
 }
 
 }  // namespace

@@ -57,7 +57,9 @@ TEST(Drawing, GridsAndCurves) {
       {"exp(G) without RT", QUENT_dGtrend_fraggfd, {1, 2}, {-0.5, 1}, 2, {1, 2}, {0, 0.0004447535018134014}},
       {"one concentration", QUENT_dGtrend_fd, {1}, {1, 1}, 5, {1}, {1}},
       {"no points", QUENT_dGtrend_fd, {1, 3}, {1, 1}, 0, {1}, {1}},
-      {"no rows", QUENT_dGtrend_fd, {1, 3}, {1, 1}, 5, {1}, {1}, 0}};
+      {"no rows", QUENT_dGtrend_fd, {1, 3}, {1, 1}, 5, {1}, {1}, 0},
+      {"beyond 100000 points", QUENT_dGtrend_fragg, {1, 3}, {1, 1}, 100001, {1}, {1}},
+      {"far beyond", nullptr, {1, 3}, {1, 1}, 2147483647, {1}, {1}}};
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
     const int32_T size[2] = {c.concRows, static_cast<int32_T>(c.conc.size())};
@@ -67,6 +69,29 @@ TEST(Drawing, GridsAndCurves) {
     expectList(grid->data, grid.count(), c.grid, "grid");
     expectList(curve->data, curve.count(), c.curve, "curve");
   }
+}
+
+// 100000 points are drawn; null coefficients give the refusal, and null
+// outputs leave every drawing and the scaling alone.
+TEST(Drawing, LimitsAndNulls) {
+  const real_T conc[2] = {1.0, 4.0}, coefficients[2] = {-100.0, 5000.0};
+  const int32_T size[2] = {1, 2};
+  OwnedArray<RealArray> grid, curve;
+  QUENT_dGtrend_fd(conc, size, coefficients, 100000, 25.0, grid.get(), curve.get());
+  EXPECT_TRUE(grid.count() == 100000 && curve.count() == 100000 && grid->data[99999] == 4.0);
+  QUENT_dGtrend_trend(conc, size, nullptr, 5, grid.get(), curve.get());
+  expectList(curve->data, curve.count(), {1.0});
+  for (auto draw : {QUENT_dGtrend_fd, QUENT_dGtrend_fragg, QUENT_dGtrend_fraggfd}) {
+    draw(conc, size, coefficients, 5, 25.0, nullptr, curve.get());
+    draw(conc, size, coefficients, 5, 25.0, grid.get(), nullptr);
+  }
+  QUENT_dGtrend_trend(conc, size, coefficients, 5, nullptr, nullptr);
+  EXPECT_EQ(curve.count(), 1);
+  int32_T scaledSize[2] = {7, 7};
+  real_T scaled[2] = {9.0, 9.0};
+  QUENT_dGtrend_normalization(conc, size, 2.0, 1.0, nullptr, scaledSize);
+  QUENT_dGtrend_normalization(conc, size, 2.0, 1.0, scaled, nullptr);
+  EXPECT_TRUE(scaledSize[0] == 7 && scaled[0] == 9.0);
 }
 
 }  // namespace
