@@ -101,6 +101,21 @@ TYPED_TEST(Ladders, EveryFirstPassPlaceHitsAtItsThresholdWithItsCode) {
   EXPECT_TRUE(none.step == -1 && none.place == -1);
 }
 
+// The pair ladder scores both held tables afresh: scores the held stages left
+// ranked in place do not count.  Failed vectors score -1 whatever stood.
+TYPED_TEST(Ladders, PairLadderScoresTheTablesAfresh) {
+  using F = TypeParam;
+  const std::vector<real_T> x = test::grid(40, 0.0, 6.0), y(40, 1.0);
+  strategy::Tables<F> w{};
+  for (int s = 0; s < F::HeldTable::kSlots; ++s) {
+    w.nativeHeld.fail(s), w.unfoldedHeld.fail(s);
+    w.nativeHeld.score[s] = w.unfoldedHeld.score[s] = 1.0;
+  }
+  real_T row[24];
+  EXPECT_FALSE(strategy::pairLadderStage<F>(Pass::Main, {x.data(), y.data(), 40}, w, row));
+  EXPECT_EQ(w.unfoldedHeld.score[0], -1.0);
+}
+
 TEST(StageWalks, BestStartHeldTableAndBothHeld) {
   // Strictly above the best so far: the first of equal scores wins, and a
   // refinement slot still at 0.0 beats failed starts.
