@@ -56,6 +56,7 @@ TEST(Drawing, GridsAndCurves) {
       // denominator: with it the value would be 0.0005847793914830504.
       {"exp(G) without RT", QUENT_dGtrend_fraggfd, {1, 2}, {-0.5, 1}, 2, {1, 2}, {0, 0.0004447535018134014}},
       {"one concentration", QUENT_dGtrend_fd, {1}, {1, 1}, 5, {1}, {1}},
+      {"one point: the high end", nullptr, {1, 4}, {-100, 5000}, 1, {4}, {5000.0 + -100.0 * std::log(4.0)}},
       {"no points", QUENT_dGtrend_fd, {1, 3}, {1, 1}, 0, {1}, {1}},
       {"no rows", QUENT_dGtrend_fd, {1, 3}, {1, 1}, 5, {1}, {1}, 0},
       {"beyond 100000 points", QUENT_dGtrend_fragg, {1, 3}, {1, 1}, 100001, {1}, {1}},
