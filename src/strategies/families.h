@@ -1,7 +1,6 @@
 // The families a host can name, and the one place where its state count
-// becomes a family.  A family answers to its state count once its strategies
-// are in the library, that is once it is listed below; until then its state
-// count, like every value that names no family, is fitted as one transition.
+// becomes a family.  A family answers to its state count once it is listed
+// below; every value that names no listed family is fitted as one transition.
 #pragma once
 
 #include <concepts>
