@@ -20,7 +20,7 @@ bool arrayEnsureCapacityRaw(void** data, int32_T* allocatedSize, bool* canFreeDa
   // Only what the storage holds can be copied: a host's record may claim
   // more elements (or negative dimensions) than its buffer has.
   if (oldCount < 0) oldCount = 0;
-  if (oldCount > *allocatedSize) oldCount = *allocatedSize < 0 ? 0 : *allocatedSize;
+  if (oldCount > *allocatedSize) oldCount = *allocatedSize;
   if (newCount <= *allocatedSize) return true;
   const int32_T capacity = grownCapacity(*allocatedSize, newCount);
   void* storage = std::calloc(static_cast<std::size_t>(capacity), width);

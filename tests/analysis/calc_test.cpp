@@ -145,11 +145,14 @@ TEST(Calc, RefusalsGiveTheEmptyAnswer) {
   test::OwnedArray<RealArray> concOut, trendOut, deviationOut;
   test::OwnedArray<Int32Array> usedOut;
   real_T summary[4] = {7, 7, 7, 7};
-  QUENT_dGtrend_calc(conc, size, rows, full, flags, size, 1, concOut.get(), trendOut.get(),
-                     deviationOut.get(), nullptr, summary);
-  QUENT_dGtrend_calc(conc, size, rows, full, flags, size, 1, concOut.get(), trendOut.get(),
-                     deviationOut.get(), usedOut.get(), nullptr);
-  EXPECT_TRUE(concOut.count() == 0 && summary[3] == 7.0);
+  for (int missing = 0; missing < 5; ++missing) {
+    QUENT_dGtrend_calc(conc, size, rows, full, flags, size, 1,
+                       missing == 0 ? nullptr : concOut.get(), missing == 1 ? nullptr : trendOut.get(),
+                       missing == 2 ? nullptr : deviationOut.get(),
+                       missing == 3 ? nullptr : usedOut.get(), missing == 4 ? nullptr : summary);
+    EXPECT_TRUE(concOut.count() == 0 && trendOut.count() == 0 && usedOut.count() == 0 &&
+                summary[3] == 7.0) << missing;
+  }
 }
 
 }  // namespace
