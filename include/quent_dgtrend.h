@@ -19,8 +19,18 @@
  *    read data and size back from the record after a call.
  *  - Failure is a value, never an error code: a failed fit row has -1 in
  *    column 12.  No function allocates anything that outlives the call except
- *    the grown storage of an output record.
- *  - Nothing here is thread-safe for the fitting calls unless stated otherwise.
+ *    the grown storage of an output record and the working space of a
+ *    fitting thread (below).
+ *  - Memory that runs out in the middle of a call never changes a result: a
+ *    fit then gives the failure of its whole call (every row at -1 in column
+ *    12, zeros elsewhere, every mask entry 1), a drawing or
+ *    QUENT_dGtrend_calc empty outputs (and a summary of zeros).  An output
+ *    record that cannot even be grown for that answer comes back empty.
+ *  - Every function may run on several threads at once, each call with its
+ *    own output records, and gives the same numbers on every thread.  A
+ *    thread that fits makes about 400 KB of working space on its first fit
+ *    and frees it when it ends; the library's static thread-local storage is
+ *    under 1 KiB, so threads with stacks as small as 64 KiB may call it.
  *
  * This header compiles as C99 and as C++.
  */

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdlib>
 
+#include "frame/allocation.h"
 #include "frame/array.h"
 #include "frame/limits.h"
 #include "frame/row_layout.h"
@@ -83,7 +84,7 @@ void emptyAnswer(VectorView<real_T> conc, const Outputs& out, real_T* summary) {
   real_T onStack[kMaxCurves];
   real_T* sorted = onStack;
   if (n > kMaxCurves)
-    sorted = static_cast<real_T*>(std::malloc(static_cast<std::size_t>(n) * sizeof(real_T)));
+    sorted = static_cast<real_T*>(allocate(static_cast<std::size_t>(n) * sizeof(real_T)));
   int32_T distinct = 0;
   if (sorted != nullptr) {
     for (int32_T i = 0; i < n; ++i) sorted[i] = conc[i];

@@ -9,6 +9,7 @@
 #include "engine/damped_step.h"
 #include "engine/jacobian.h"
 #include "engine/levenberg_marquardt.h"
+#include "frame/allocation.h"
 #include "frame/limits.h"
 #include "numerics/singular_values.h"
 
@@ -52,7 +53,7 @@ struct Workspace {
     const std::size_t height = N + P;
     const std::size_t reals = 4 * N + N * P + 3 * P + height * P + height + P + height;
     const std::size_t bytes = reals * sizeof(real_T) + P * sizeof(int32_T) + N;
-    storage = std::malloc(bytes);
+    storage = quent::allocate(bytes);
     if (storage == nullptr) return false;
     real_T* next = static_cast<real_T*>(storage);
     auto take = [&next](std::size_t count) {

@@ -4,6 +4,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "frame/allocation.h"
+
 namespace quent {
 
 int32_T grownCapacity(int32_T allocated, int32_T needed) {
@@ -23,7 +25,7 @@ bool arrayEnsureCapacityRaw(void** data, int32_T* allocatedSize, bool* canFreeDa
   if (oldCount > *allocatedSize) oldCount = *allocatedSize;
   if (newCount <= *allocatedSize) return true;
   const int32_T capacity = grownCapacity(*allocatedSize, newCount);
-  void* storage = std::calloc(static_cast<std::size_t>(capacity), width);
+  void* storage = allocateZeroed(static_cast<std::size_t>(capacity), width);
   // Out of memory: the record keeps its old storage and the caller learns it.
   if (storage == nullptr) return false;
   if (*data != nullptr) {
@@ -38,13 +40,13 @@ bool arrayEnsureCapacityRaw(void** data, int32_T* allocatedSize, bool* canFreeDa
 
 template <class Record>
 void arrayInit(Record** a, int32_T numDimensions) {
-  Record* r = static_cast<Record*>(std::malloc(sizeof(Record)));
+  Record* r = static_cast<Record*>(allocate(sizeof(Record)));
   *a = r;
   if (r == nullptr) return;
   r->data = nullptr;
   r->numDimensions = numDimensions;
-  r->size = static_cast<int32_T*>(std::calloc(static_cast<std::size_t>(numDimensions),
-                                              sizeof(int32_T)));
+  r->size = static_cast<int32_T*>(
+      allocateZeroed(static_cast<std::size_t>(numDimensions), sizeof(int32_T)));
   r->allocatedSize = 0;
   r->canFreeData = true;
 }

@@ -3,13 +3,16 @@
 #include "models/r_squared.h"
 
 #include "frame/limits.h"
+#include "frame/thread_scratch.h"
 #include "models/curve_models.h"
 
 namespace quent {
 namespace {
 
 // Model values of the fit being scored; one curve at most.
-thread_local real_T fittedScratch[kMaxCurvePoints];
+struct Fitted {
+  real_T values[kMaxCurvePoints];
+};
 
 }  // namespace
 
@@ -32,9 +35,10 @@ real_T rSquared(int32_T xCount, const real_T* y, int32_T yCount, const real_T* f
 
 template <int T>
 real_T rSquaredOfFit(const real_T* x, const real_T* y, int32_T n, const real_T* params) {
-  if (n > kMaxCurvePoints) return kFailed;
-  curveModel<T>(params, x, n, fittedScratch);
-  return rSquared(n, y, n, fittedScratch);
+  Fitted* fitted = threadScratch<Fitted>();
+  if (n > kMaxCurvePoints || fitted == nullptr) return kFailed;
+  curveModel<T>(params, x, n, fitted->values);
+  return rSquared(n, y, n, fitted->values);
 }
 
 template real_T rSquaredOfFit<1>(const real_T*, const real_T*, int32_T, const real_T*);

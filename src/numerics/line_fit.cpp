@@ -5,6 +5,7 @@
 
 #include <cstdlib>
 
+#include "frame/allocation.h"
 #include "frame/limits.h"
 #include "numerics/pivoted_qr.h"
 
@@ -44,7 +45,7 @@ LineCoefficients lineFit(const real_T* x, const real_T* y, int32_T n) {
     real_T work[3 * kMaxFitPoints];
     return fitInto(x, y, n, work, work + 2 * n);
   }
-  real_T* work = static_cast<real_T*>(std::malloc(3 * static_cast<std::size_t>(n) * sizeof(real_T)));
+  real_T* work = static_cast<real_T*>(allocate(3 * static_cast<std::size_t>(n) * sizeof(real_T)));
   if (work == nullptr) return {__builtin_nan(""), __builtin_nan("")};
   const LineCoefficients c = fitInto(x, y, n, work, work + 2 * n);
   std::free(work);

@@ -4,6 +4,7 @@
 // factorisation passes over work whose result it knows bit for bit.
 #include "numerics/pivoted_qr.h"
 
+#include "frame/allocation.h"
 #include "numerics/bit_tests.h"
 
 #include <cmath>
@@ -280,7 +281,7 @@ void pivotedQr(real_T* a, int32_T m, int32_T n, real_T* tau, int32_T* jpvt) {
     return;
   }
   const std::size_t un = static_cast<std::size_t>(n);
-  void* block = std::malloc(un * (2 * sizeof(real_T) + sizeof(int32_T) + 1));
+  void* block = allocate(un * (2 * sizeof(real_T) + sizeof(int32_T) + 1));
   if (block == nullptr) {
     // No room to factor: reflectors of NaN make every later use visibly fail.
     const int32_T steps = m < n ? m : n;

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdlib>
 
+#include "frame/allocation.h"
 #include "frame/limits.h"
 #include "numerics/pivoted_qr.h"
 
@@ -274,7 +275,7 @@ bool withSingularValues(const real_T* a, int32_T m, int32_T n, Use use) {
   }
   const std::size_t un = static_cast<std::size_t>(n);
   real_T* A = static_cast<real_T*>(
-      std::malloc((entries + 2 * un + static_cast<std::size_t>(m)) * sizeof(real_T)));
+      allocate((entries + 2 * un + static_cast<std::size_t>(m)) * sizeof(real_T)));
   if (A == nullptr) return false;
   for (std::size_t i = 0; i < entries; ++i) A[i] = a[i];
   real_T* s = A + entries;

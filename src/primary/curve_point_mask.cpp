@@ -9,6 +9,7 @@
 #include "frame/fit_row.h"
 #include "frame/kept_points.h"
 #include "frame/limits.h"
+#include "frame/thread_scratch.h"
 #include "frame/row_layout.h"
 #include "primary/finish_row.h"
 #include "primary/refit_from_row.h"
@@ -27,12 +28,16 @@ constexpr int kRounds = 5;
 constexpr int32_T kHeldPassEnds[] = {0, -1, 1, -2};
 constexpr int32_T kFreePassEnds[] = {0, -1};
 
-thread_local int32_T baseMask[kMaxCurvePoints];
-thread_local int32_T workMask[kMaxCurvePoints];
-thread_local int32_T heldPassMask[kMaxCurvePoints];
-thread_local int32_T freePassMask[kMaxCurvePoints];
-thread_local real_T keptX[kMaxCurvePoints];
-thread_local real_T keptY[kMaxCurvePoints];
+// The spike mask, the mask of the round, the last good mask of each pass, and
+// the points a round keeps.
+struct Masks {
+  int32_T baseMask[kMaxCurvePoints];
+  int32_T workMask[kMaxCurvePoints];
+  int32_T heldPassMask[kMaxCurvePoints];
+  int32_T freePassMask[kMaxCurvePoints];
+  real_T keptX[kMaxCurvePoints];
+  real_T keptY[kMaxCurvePoints];
+};
 
 template <int32_T Count>
 void clearFirstKeptEnd(const int32_T (&ends)[Count], int32_T n, int32_T* mask) {
@@ -50,14 +55,16 @@ void clearFirstKeptEnd(const int32_T (&ends)[Count], int32_T n, int32_T* mask) {
 template <int T, int32_T EndCount>
 void refitPass(const real_T* x, const real_T* y, int32_T n, const real_T* reference,
                bool amplitudesHeld, int codeOffset, const int32_T (&ends)[EndCount],
-               real_T* passRow, int32_T* passMask) {
+               real_T* passRow, int32_T* passMask, Masks& s) {
+  int32_T* const baseMask = s.baseMask;
+  int32_T* const workMask = s.workMask;
   std::copy_n(baseMask, n, workMask);
   for (int r = 1; r <= kRounds; ++r) {
     real_T params[TransitionLayout<T>::kParams];
     real_T candidate[kRowColumns];
     refitMasked<T>(x, y, n, reference, workMask, amplitudesHeld, params);
-    const int32_T kept = gatherKept(x, y, workMask, n, keptX, keptY);
-    finishRow<T>(keptX, keptY, kept, params, r + codeOffset, candidate);
+    const int32_T kept = gatherKept(x, y, workMask, n, s.keptX, s.keptY);
+    finishRow<T>(s.keptX, s.keptY, kept, params, r + codeOffset, candidate);
     if (!rowHasFit(candidate)) {
       clearFirstKeptEnd(ends, n, workMask);
     } else {
@@ -82,13 +89,20 @@ template <int T>
 void buildCurveMask(const real_T* x, const real_T* y, int32_T n, const real_T* referenceRow,
                     real_T* row, int32_T* mask) {
   std::fill_n(mask, n, 1);
-  screenSpikes(y, n, baseMask);
+  Masks* s = threadScratch<Masks>();
+  if (s == nullptr) {
+    writeBlankRow(row);
+    return;
+  }
+  int32_T* const heldPassMask = s->heldPassMask;
+  int32_T* const freePassMask = s->freePassMask;
+  screenSpikes(y, n, s->baseMask);
 
   // First pass: shares held (one transition has none to hold).
   real_T heldPassRow[kRowColumns];
   writeClearedRow(11.0, heldPassRow);
   std::fill_n(heldPassMask, n, 1);
-  refitPass<T>(x, y, n, referenceRow, true, 0, kHeldPassEnds, heldPassRow, heldPassMask);
+  refitPass<T>(x, y, n, referenceRow, true, 0, kHeldPassEnds, heldPassRow, heldPassMask, *s);
   if constexpr (T == 1) {
     take(heldPassRow, heldPassMask, n, row, mask);
   } else {
@@ -102,7 +116,7 @@ void buildCurveMask(const real_T* x, const real_T* y, int32_T n, const real_T* r
     heldPassRow[kColCode] = 12.0;
     // All points until a round fits: the pass compares each round's mask with it.
     std::fill_n(freePassMask, n, 1);
-    refitPass<T>(x, y, n, referenceRow, false, 5, kFreePassEnds, freePassRow, freePassMask);
+    refitPass<T>(x, y, n, referenceRow, false, 5, kFreePassEnds, freePassRow, freePassMask, *s);
     if (Family<T>::maskFreePassStands(freePassRow, referenceRow))
       take(freePassRow, freePassMask, n, row, mask);
     else

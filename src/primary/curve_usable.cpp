@@ -5,6 +5,7 @@
 
 #include "frame/kept_points.h"
 #include "frame/limits.h"
+#include "frame/thread_scratch.h"
 #include "frame/vector_view.h"
 #include "models/r_squared.h"
 #include "primary/screen_spikes.h"
@@ -19,9 +20,12 @@ constexpr real_T kMinRSquared = 0.95;
 // The attempts read three points of a curve at least (its ends and a middle).
 constexpr int32_T kMinKept = 3;
 
-thread_local real_T keptX[kMaxFitPoints];
-thread_local real_T keptY[kMaxFitPoints];
-thread_local int32_T spikeMask[kMaxFitPoints];
+// The points the attempts see, and the spike mask that picks them.
+struct Kept {
+  real_T x[kMaxFitPoints];
+  real_T y[kMaxFitPoints];
+  int32_T spikeMask[kMaxFitPoints];
+};
 
 bool refusedCurve(const real_T* x, int32_T xCount, int32_T yCount, int32_T minPoints) {
   const int32_T n = xCount;
@@ -29,7 +33,10 @@ bool refusedCurve(const real_T* x, int32_T xCount, int32_T yCount, int32_T minPo
 }
 
 template <class F>
-real_T usableOnKept(const real_T* x, const real_T* y, int32_T n, VectorView<int32_T> mask) {
+real_T usableOnKept(const real_T* x, const real_T* y, int32_T n, VectorView<int32_T> mask,
+                    Kept& s) {
+  real_T* const keptX = s.x;
+  real_T* const keptY = s.y;
   const int32_T kept = gatherKept(x, y, mask, n < mask.length ? n : mask.length, keptX, keptY);
   if (kept < kMinKept) return 0.0;
   const CurvePoints points{keptX, keptY, kept};
@@ -56,9 +63,11 @@ real_T usable(int32_T stateCount, const real_T* x, int32_T xCount, const real_T*
   return withFamily(stateCount, [&]<class F>() -> real_T {
     if (refusedCurve(x, xCount, yCount, F::kUsableMinPoints)) return 0.0;
     if (!curveChanges(y, xCount, FlatCurve::GoesOn)) return 0.0;
-    if (mask != nullptr) return usableOnKept<F>(x, y, xCount, *mask);
-    screenSpikes(y, xCount, spikeMask);
-    return usableOnKept<F>(x, y, xCount, plainView(spikeMask, xCount));
+    Kept* s = threadScratch<Kept>();
+    if (s == nullptr) return 0.0;
+    if (mask != nullptr) return usableOnKept<F>(x, y, xCount, *mask, *s);
+    screenSpikes(y, xCount, s->spikeMask);
+    return usableOnKept<F>(x, y, xCount, plainView(s->spikeMask, xCount), *s);
   });
 }
 

@@ -9,6 +9,7 @@
 #include "frame/array.h"
 #include "frame/limits.h"
 #include "frame/row_layout.h"
+#include "frame/thread_scratch.h"
 #include "primary/acceptance_gates.h"
 #include "primary/final_curve_fit.h"
 #include "primary/fit_statistics.h"
@@ -18,8 +19,11 @@
 namespace quent {
 namespace {
 
-thread_local real_T keptX[kMaxCurvePoints];
-thread_local real_T keptY[kMaxCurvePoints];
+// The kept points of one curve.
+struct Kept {
+  real_T x[kMaxCurvePoints];
+  real_T y[kMaxCurvePoints];
+};
 
 }  // namespace
 
@@ -27,6 +31,13 @@ void finishPrimaryFit(const CallCurves& curves, const ConcentrationGroups& group
                       const ScanSource& source, int32_T stateCount, real_T temperatureC,
                       RealArray* fitRows, Int32Array* pointMask) {
   const int32_T curveCount = curves.curveCount;
+  Kept* kept = threadScratch<Kept>();
+  if (kept == nullptr) {
+    writeCallFailure(curveCount, 0, fitRows, nullptr);
+    return;
+  }
+  real_T* const keptX = kept->x;
+  real_T* const keptY = kept->y;
   real_T referenceRow[kRowColumns];
   groupScan(curves, groups, source, stateCount, temperatureC, referenceRow);
   if (referenceRow[kColRT] < 0.0)

@@ -8,6 +8,7 @@
 #include "frame/fit_row.h"
 #include "frame/kept_points.h"
 #include "frame/limits.h"
+#include "frame/thread_scratch.h"
 #include "primary/revise_mask.h"
 #include "primary/screen_spikes.h"
 #include "strategies/families.h"
@@ -20,10 +21,12 @@ constexpr int kMaxRounds = 5;
 constexpr real_T kMaxSpikePercent = 25.0;
 
 // Masks of one curve, too large together for a frame that also runs a fit.
-thread_local int32_T spikeMask[kMaxCurvePoints];
-thread_local int32_T workMask[kMaxCurvePoints];
-thread_local int32_T inputMask[kMaxCurvePoints];
-thread_local int32_T revisedMask[kMaxCurvePoints];
+struct Masks {
+  int32_T spikeMask[kMaxCurvePoints];
+  int32_T workMask[kMaxCurvePoints];
+  int32_T inputMask[kMaxCurvePoints];
+  int32_T revisedMask[kMaxCurvePoints];
+};
 
 }  // namespace
 
@@ -31,7 +34,12 @@ void fitWithMaskRevision(const real_T* x, const real_T* y, int32_T n, int32_T st
                          real_T temperatureC, real_T* row, int32_T* mask) {
   writeBlankRow(row);
   std::fill_n(mask, n, 1);
-  if (n > kMaxCurvePoints) return;
+  Masks* s = threadScratch<Masks>();
+  if (n > kMaxCurvePoints || s == nullptr) return;
+  int32_T* const spikeMask = s->spikeMask;
+  int32_T* const workMask = s->workMask;
+  int32_T* const inputMask = s->inputMask;
+  int32_T* const revisedMask = s->revisedMask;
 
   screenSpikes(y, n, spikeMask);
   const auto spikes = std::count(spikeMask, spikeMask + n, 0);

@@ -5,10 +5,12 @@
 
 #include <algorithm>
 
+#include "frame/allocation.h"
 #include "frame/array.h"
 #include "frame/fit_row.h"
 #include "frame/limits.h"
 #include "frame/row_layout.h"
+#include "frame/thread_scratch.h"
 #include "primary/concentration_groups.h"
 #include "primary/curve_point_mask.h"
 #include "primary/finish_primary_fit.h"
@@ -19,14 +21,21 @@
 namespace quent {
 namespace {
 
-thread_local real_T maskCurveX[kMaxCurvePoints];
-thread_local real_T maskCurveY[kMaxCurvePoints];
+// A copy of the curve whose mask is being built.
+struct MaskCurve {
+  real_T x[kMaxCurvePoints];
+  real_T y[kMaxCurvePoints];
+};
 
 // Rows and point masks of every curve under the reference row.  A curve whose
 // row failed reports no discarded points: a pass that never fitted leaves
 // its mask all ones.
 void buildPointMasks(const CallCurves& curves, int32_T stateCount, const real_T* referenceRow,
                      real_T* rows, int32_T* mask) {
+  MaskCurve* curve = threadScratch<MaskCurve>();
+  if (curve == nullptr) return;
+  real_T* const maskCurveX = curve->x;
+  real_T* const maskCurveY = curve->y;
   const int32_T n = curves.pointsPerCurve;
   for (int32_T c = 0; c < curves.curveCount; ++c) {
     curves.copy(c, maskCurveX, maskCurveY);
@@ -36,6 +45,35 @@ void buildPointMasks(const CallCurves& curves, int32_T stateCount, const real_T*
       buildCurveMask<F::T>(maskCurveX, maskCurveY, n, referenceRow, row, curveMask);
     });
   }
+}
+
+// The fit of curves that passed the entry checks.
+void fitCurves(const CallCurves& curves, int32_T stateCount, real_T temperatureC,
+               RealArray* fitRows, Int32Array* pointMask) {
+  const int32_T curveCount = curves.curveCount;
+  ConcentrationGroups groups;
+  sortOutConcentrations(curves.sampleConc, curveCount, groups);
+
+  real_T referenceRow[kRowColumns];
+  const ScanSource firstScan;  // before any mask exists
+  groupScan(curves, groups, firstScan, stateCount, temperatureC, referenceRow);
+  if (!rowHasFit(referenceRow))
+    fallbackScan(curves, firstScan, stateCount, temperatureC, referenceRow);
+  if (!rowHasFit(referenceRow)) {
+    writeCallFailure(curveCount, saturatingMul(curveCount, curves.pointsPerCurve), fitRows,
+                     pointMask);
+    return;
+  }
+
+  if (!arrayResizeRow(fitRows, kRowColumns * curveCount) ||
+      !arrayResizeRow(pointMask, curveCount * curves.pointsPerCurve))
+    return;
+  buildPointMasks(curves, stateCount, referenceRow, fitRows->data, pointMask->data);
+
+  ScanSource masked;
+  masked.masked = true;
+  masked.pointMask = vectorView(pointMask);
+  finishPrimaryFit(curves, groups, masked, stateCount, temperatureC, fitRows, pointMask);
 }
 
 }  // namespace
@@ -51,30 +89,11 @@ void primaryFit(int32_T pointsPerCurve, const real_T* denaturant, const int32_T*
     answerUnfittedCall(check, fitRows, pointMask);
     return;
   }
-  const CallCurves& curves = check.curves;
-  const int32_T curveCount = curves.curveCount;
-  ConcentrationGroups groups;
-  sortOutConcentrations(curves.sampleConc, curveCount, groups);
-
-  real_T referenceRow[kRowColumns];
-  const ScanSource firstScan;  // before any mask exists
-  groupScan(curves, groups, firstScan, stateCount, temperatureC, referenceRow);
-  if (!rowHasFit(referenceRow))
-    fallbackScan(curves, firstScan, stateCount, temperatureC, referenceRow);
-  if (!rowHasFit(referenceRow)) {
-    writeCallFailure(curveCount, saturatingMul(curveCount, pointsPerCurve), fitRows, pointMask);
-    return;
-  }
-
-  if (!arrayResizeRow(fitRows, kRowColumns * curveCount) ||
-      !arrayResizeRow(pointMask, curveCount * pointsPerCurve))
-    return;
-  buildPointMasks(curves, stateCount, referenceRow, fitRows->data, pointMask->data);
-
-  ScanSource masked;
-  masked.masked = true;
-  masked.pointMask = vectorView(pointMask);
-  finishPrimaryFit(curves, groups, masked, stateCount, temperatureC, fitRows, pointMask);
+  const CallMemory memory;
+  fitCurves(check.curves, stateCount, temperatureC, fitRows, pointMask);
+  if (memory.failed())
+    writeCallFailure(check.curves.curveCount,
+                     saturatingMul(check.curves.curveCount, pointsPerCurve), fitRows, pointMask);
 }
 
 }  // namespace quent

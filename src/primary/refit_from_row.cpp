@@ -7,6 +7,7 @@
 #include "frame/kept_points.h"
 #include "frame/limits.h"
 #include "frame/row_layout.h"
+#include "frame/thread_scratch.h"
 #include "models/plausibility.h"
 #include "models/r_squared.h"
 #include "strategies/families.h"
@@ -22,8 +23,10 @@ void fail(real_T* params) {
 }
 
 // Kept points of a whole curve.
-thread_local real_T keptX[kMaxCurvePoints];
-thread_local real_T keptY[kMaxCurvePoints];
+struct Kept {
+  real_T x[kMaxCurvePoints];
+  real_T y[kMaxCurvePoints];
+};
 
 }  // namespace
 
@@ -46,12 +49,13 @@ template <int T>
 void refitMasked(const real_T* x, const real_T* y, int32_T n, const real_T* row,
                  const int32_T* mask, bool amplitudesHeld, real_T* params) {
   const int32_T kept = countKept(mask, n);
-  if (kept < Family<T>::kMinPoints || kept > kMaxCurvePoints) {
+  Kept* s = threadScratch<Kept>();
+  if (kept < Family<T>::kMinPoints || kept > kMaxCurvePoints || s == nullptr) {
     fail<T>(params);
     return;
   }
-  gatherKept(x, y, mask, n, keptX, keptY);
-  refitFromRow<T>(keptX, keptY, kept, row, amplitudesHeld, params);
+  gatherKept(x, y, mask, n, s->x, s->y);
+  refitFromRow<T>(s->x, s->y, kept, row, amplitudesHeld, params);
 }
 template void refitFromRow<1>(const real_T*, const real_T*, int32_T, const real_T*, bool, real_T*);
 template void refitFromRow<2>(const real_T*, const real_T*, int32_T, const real_T*, bool, real_T*);

@@ -8,13 +8,16 @@
 #include <cmath>
 
 #include "frame/limits.h"
+#include "frame/thread_scratch.h"
 #include "numerics/sort.h"
 
 namespace quent {
 namespace {
 
 // Shifted signal of a whole curve, sorted.
-thread_local real_T sorted[kMaxCurvePoints];
+struct Sorted {
+  real_T values[kMaxCurvePoints];
+};
 
 // The threshold profile: a parabola over m = n rounded up to even places,
 // equal to the spread at both ends and twice the spread at the middle.
@@ -36,8 +39,10 @@ struct SpikeThresholds {
 
 void screenSpikes(const real_T* y, int32_T n, int32_T* mask) {
   std::fill_n(mask, n, 1);
-  if (n < 5 || n > kMaxCurvePoints) return;
+  Sorted* scratch = threadScratch<Sorted>();
+  if (n < 5 || n > kMaxCurvePoints || scratch == nullptr) return;
 
+  real_T* sorted = scratch->values;
   for (int32_T i = 0; i < n; ++i) sorted[i] = y[i] + 1.0;
   sortAscending(sorted, n);
   const SpikeThresholds threshold(n, std::fabs(sorted[2] - sorted[n - 3]) * 15.0 / 100.0);

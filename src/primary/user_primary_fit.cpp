@@ -4,6 +4,7 @@
 // failed.  Nothing is written back to the masks.
 #include "primary/user_primary_fit.h"
 
+#include "frame/allocation.h"
 #include "frame/scalar.h"
 #include "frame/vector_view.h"
 #include "primary/concentration_groups.h"
@@ -41,7 +42,9 @@ void userPrimaryFit(int32_T pointsPerCurve, const real_T* denaturant,
   }
   ConcentrationGroups groups;
   sortOutConcentrations(curves.sampleConc, curves.curveCount, groups);
+  const CallMemory memory;
   finishPrimaryFit(curves, groups, source, stateCount, temperatureC, fitRows, nullptr);
+  if (memory.failed()) writeCallFailure(curves.curveCount, 0, fitRows, nullptr);
 }
 
 }  // namespace quent

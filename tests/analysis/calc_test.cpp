@@ -1,5 +1,6 @@
 // Reduction of fit rows to per-concentration energies and one trend line,
 // through the exported entry with rows built by hand.
+#include "frame/allocation.h"
 #include "models/r_squared.h"
 #include "numerics/line_fit.h"
 #include "numerics/order_statistics.h"
@@ -152,6 +153,36 @@ TEST(Calc, RefusalsGiveTheEmptyAnswer) {
                        missing == 3 ? nullptr : usedOut.get(), missing == 4 ? nullptr : summary);
     EXPECT_TRUE(concOut.count() == 0 && trendOut.count() == 0 && usedOut.count() == 0 &&
                 summary[3] == 7.0) << missing;
+  }
+}
+
+// Memory that runs out at any output, or for the list of a refusal, leaves
+// every output empty and the summary at zeros.
+TEST(Calc, OutOfMemoryGivesEmptyOutputs) {
+  std::vector<Curve> many(97, Curve{1, 1, 600, {4000}, {}});
+  const std::vector<Curve> fitted = {{2, 1, 600, {4000}, {}}, {1, 1, 600, {4500}, {}}};
+  for (const std::vector<Curve>* curves : {&fitted, static_cast<const std::vector<Curve>*>(&many)}) {
+    const int32_T n = static_cast<int32_T>(curves->size());
+    Reals conc(n), rows(24 * n, 0.0);
+    for (int32_T i = 0; i < n; ++i) {
+      conc[i] = (*curves)[i].conc;
+      rows[24 * i + 12] = (*curves)[i].rt;
+      rows[24 * i + 4] = (*curves)[i].dG[0];
+    }
+    const std::vector<int32_T> flags(n, 1);
+    const int32_T size[2] = {1, n}, rowsSize[2] = {1, 24 * n};
+    for (long limit = 0; limit < 4; ++limit) {
+      test::OwnedArray<RealArray> concOut, trendOut, deviationOut;
+      test::OwnedArray<Int32Array> usedOut;
+      real_T summary[4] = {7, 7, 7, 7};
+      failAllocationsAfter(limit);
+      QUENT_dGtrend_calc(conc.data(), size, rows.data(), rowsSize, flags.data(), size, 1,
+                         concOut.get(), trendOut.get(), deviationOut.get(), usedOut.get(), summary);
+      failAllocationsAfter(-1);
+      EXPECT_TRUE(concOut.count() == 0 && trendOut.count() == 0 && deviationOut.count() == 0 &&
+                  usedOut.count() == 0) << n << " " << limit;
+      expectList(summary, 4, {0, 0, 0, 0}, "summary");
+    }
   }
 }
 

@@ -1,5 +1,6 @@
 // Normalization, the concentration grid and the drawn trend and fractions.
 #include "analysis/linear_grid.h"
+#include "frame/allocation.h"
 #include "test_support.h"
 
 namespace quent::test {
@@ -93,6 +94,20 @@ TEST(Drawing, LimitsAndNulls) {
   QUENT_dGtrend_normalization(conc, size, 2.0, 1.0, nullptr, scaledSize);
   QUENT_dGtrend_normalization(conc, size, 2.0, 1.0, scaled, nullptr);
   EXPECT_TRUE(scaledSize[0] == 7 && scaled[0] == 9.0);
+}
+
+// A drawing whose storage runs out, at the grid or at the curve, returns both
+// empty.
+TEST(Drawing, OutOfMemoryGivesEmptyOutputs) {
+  const real_T conc[2] = {1.0, 4.0}, coefficients[2] = {-100.0, 5000.0};
+  const int32_T size[2] = {1, 2};
+  for (long limit = 0; limit < 2; ++limit) {
+    OwnedArray<RealArray> grid, curve;
+    failAllocationsAfter(limit);
+    QUENT_dGtrend_fragg(conc, size, coefficients, 50, 25.0, grid.get(), curve.get());
+    failAllocationsAfter(-1);
+    EXPECT_TRUE(grid.count() == 0 && curve.count() == 0) << limit;
+  }
 }
 
 }  // namespace
