@@ -82,8 +82,9 @@ typedef struct BoolArray {
 /*
  * Wraps a host buffer of rows * cols elements in a new 2-D record that does
  * not own it (canFreeData false).  The record and its size vector are
- * allocated with malloc and are never freed by the library.  The real_T and
- * int32_T names are one entry: the element type plays no part.
+ * allocated with malloc and are never freed by the library.  With a negative
+ * dimension none of the buffer is trusted: the library writes only to
+ * storage of its own.  Null when no memory could be had.
  */
 QUENT_API RealArray *QUENT_emxCreateWrapper_real_T(real_T *data, int32_T rows,
                                                    int32_T cols);

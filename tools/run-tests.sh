@@ -1,8 +1,32 @@
 #!/bin/sh
-# Builds the library and runs every test (unit, golden-file and C host tests).
+# Builds the library and runs every test, in three builds:
+#  1. g++: unit, golden-file and C host tests, and valgrind memcheck of the
+#     example host over every bundled data set;
+#  2. clang with AddressSanitizer and UndefinedBehaviorSanitizer: the same
+#     tests again, then a few seconds of every fuzz target;
+#  3. the thread sanitizer: fits on several threads at once.
 set -e
 cd "$(dirname "$0")/.."
-tools/ensure-packages.sh cmake make g++ gcc binutils libgtest-dev libbenchmark-dev
-cmake -S . -B build -DCMAKE_BUILD_TYPE=RelWithDebInfo
+tools/ensure-packages.sh cmake make g++ gcc binutils libgtest-dev libbenchmark-dev \
+  clang-14 libclang-rt-14-dev valgrind
+start=$(date +%s)
+lap() { echo "== $1 done after $(($(date +%s) - start)) s"; }
+
+cmake -S . -B build -DCMAKE_BUILD_TYPE=RelWithDebInfo -DQUENT_TEST_SANITIZERS=OFF
 cmake --build build -j 2
 ctest --test-dir build -j 2 --output-on-failure --timeout 300
+lap "g++ build and tests"
+
+CC=clang-14 CXX=clang++-14 cmake -S . -B build-clang -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+  -DQUENT_SANITIZE=ON -DQUENT_BUILD_FUZZ=ON -DQUENT_BUILD_BENCHMARKS=OFF
+cmake --build build-clang -j 2
+ctest --test-dir build-clang -j 2 --output-on-failure --timeout 300
+lap "clang sanitizer build and tests"
+tools/run-fuzz.sh 3
+lap "fuzz targets"
+
+cmake -S . -B build-tsan -DCMAKE_BUILD_TYPE=RelWithDebInfo -DQUENT_SANITIZE_THREADS=ON \
+  -DQUENT_BUILD_BENCHMARKS=OFF
+cmake --build build-tsan -j 2 --target test_concurrent_fits
+build-tsan/tests/test_concurrent_fits
+lap "thread sanitizer"
