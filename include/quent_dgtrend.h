@@ -94,9 +94,10 @@ QUENT_API Int32Array *QUENT_emxCreateWrapper_int32_T(int32_T *data,
 
 /*
  * Scales a curve: scaled[i] = values[i] * (target / reference), or the values
- * unchanged when reference is not above 0.  `scaled` is a host buffer with
- * room for every entry of `values`; scaledSize receives {1, length}.  With a
- * null scaled or scaledSize the call does nothing.
+ * unchanged when reference is not above 0 (or NaN).  `scaled` is a host
+ * buffer with room for every entry of `values`; scaledSize receives {1,
+ * length}, length 0 for an empty or negative size.  NaN and infinities pass
+ * through.  With a null scaled or scaledSize the call does nothing.
  */
 QUENT_API void QUENT_dGtrend_normalization(const real_T *values,
                                            const int32_T *valuesSize,
@@ -167,6 +168,19 @@ QUENT_API void QUENT_dGtrend_normalization(const real_T *values,
  * grows an output beyond 221184 entries.  No curve: both outputs empty.
  * With a null output record the call does nothing.  Several threads may fit at
  * once, each with its own outputs.
+ * Untidy data, within those limits:
+ *  - NaN in a curve's denaturant or signal, or an infinite denaturant, fails
+ *    that curve's row (code 0); a lone infinite signal is masked as a spike.
+ *  - Curves of 385 to 2304 points are taken; their rows fail (code 0).
+ *  - Denaturant must ascend within each curve: a descending curve fails
+ *    (code 0).  A plate whose signals are all below 0 fails every row (code
+ *    0); flip the sign first.
+ *  - One concentration of 0, below 0 or NaN turns the trend over
+ *    ln(concentration) into NaN: every fitted row of the plate then fails the
+ *    gates (code 12).  Curves of one concentration need not be adjacent.
+ *  - A temperature below 0 or above 100 (or NaN) fails every row (code 0).
+ *  - An n-by-1 vector is its first entry by the stride rule, so the curve
+ *    counts disagree.
  */
 QUENT_API void QUENT_dGtrend_primaryFit(int32_T pointsPerCurve,
                                         const real_T *denaturant,
@@ -221,7 +235,8 @@ QUENT_API void QUENT_dGtrend_user_primaryFit(int32_T pointsPerCurve,
  * Both outputs become 1-by-pointCount.  With fewer than two concentrations,
  * pointCount below 1 or above 100000, or null coefficients, both outputs are
  * the single value 1.0 (not a grid).  With a null output record the call does
- * nothing.
+ * nothing.  NaN concentrations are passed over; a concentration of 0 gives an
+ * infinite G at that end of the grid, one below 0 a NaN.
  */
 QUENT_API void QUENT_dGtrend_trend(const real_T *conc, const int32_T *concSize,
                                    const real_T *coefficients,
@@ -277,6 +292,9 @@ QUENT_API void QUENT_dGtrend_fraggfd(const real_T *conc,
  * give concOut as above, usedOut all 0, zeros in trendOut and deviationOut,
  * and summary {0, 0, 0, U}.  With a null output record or summary the call
  * does nothing.  Safe to call from several threads on separate outputs.
+ * Concentrations of 0, below 0 or NaN are listed but kept out of the means
+ * and the line; each NaN stands alone.  Only energies above 0 enter a mean
+ * (a NaN counts as none; an infinite one makes the mean infinite).
  */
 QUENT_API void QUENT_dGtrend_calc(const real_T *sampleConc,
                                   const int32_T *sampleConcSize,

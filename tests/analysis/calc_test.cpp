@@ -127,6 +127,21 @@ TEST(Calc, PerConcentrationValues) {
   }
 }
 
+// Energies that are NaN or infinite, as a host's own rows may hold: only a
+// positive energy enters a mean, so a NaN counts as none; an infinite one
+// makes its group's mean infinite, and the flat line drawn instead of a
+// trend sits at infinity.
+TEST(Calc, UntidyInput) {
+  Calc::of({{2, 1, 600, {kNaN}, {}}, {2, 1, 600, {4000}, {}}}).expect({{2}, {4000}, {0}, {1}}, {0, 4000, 0, 1});
+  Calc::of({{1, 1, 600, {4000}, {}}, {2, 1, 600, {INFINITY}, {}}})
+      .expect({{1, 2}, {4000, INFINITY}, {0, 0}, {1, 1}}, {0, INFINITY, -1, 2});
+  // Concentrations as a column (n-by-1) are one entry by the stride rule: the
+  // counts disagree, and the answer lists that one entry.
+  const real_T conc[2] = {2, 1}, rows[48] = {};
+  const int32_T flags[2] = {1, 1}, column[2] = {2, 1}, full[2] = {1, 48};
+  Calc(conc, column, rows, full, flags).expectEmptyAnswer({2});
+}
+
 TEST(Calc, RefusalsGiveTheEmptyAnswer) {
   std::vector<Curve> many(97, Curve{1, 1, 600, {4000}, {}});
   for (int32_T i = 0; i < 97; ++i) many[i].conc = 1 + i % 3;

@@ -17,6 +17,19 @@ TEST(Normalization, ScalesByTargetOverPositiveReference) {
     expectList(scaled, 3, {k * 1.0, k * 2.0, k * 3.0});
     EXPECT_TRUE(scaledSize[0] == 1 && scaledSize[1] == 3);
   }
+  // NaN and infinities pass through; a column vector is its first entry; a
+  // vector of no entries, or of a negative length, scales nothing.
+  const real_T odd[3] = {NAN, INFINITY, -2.0};
+  const int32_T row[2] = {1, 3}, column[2] = {3, 1}, none[2] = {1, 0}, negative[2] = {1, -3};
+  QUENT_dGtrend_normalization(odd, row, 4.0, 2.0, scaled, scaledSize);
+  expectList(scaled, 3, {NAN, INFINITY, -1.0});
+  QUENT_dGtrend_normalization(odd, column, 4.0, 2.0, scaled, scaledSize);
+  EXPECT_TRUE(scaledSize[0] == 1 && scaledSize[1] == 1 && std::isnan(scaled[0]));
+  for (const int32_T* size : {none, negative}) {
+    scaled[0] = 9.0;
+    QUENT_dGtrend_normalization(odd, size, 4.0, 2.0, scaled, scaledSize);
+    EXPECT_TRUE(scaledSize[0] == 1 && scaledSize[1] == 0 && scaled[0] == 9.0);
+  }
 }
 
 // A single point is the high end; the last point is the high end exactly;
@@ -57,6 +70,10 @@ TEST(Drawing, GridsAndCurves) {
       // denominator: with it the value would be 0.0005847793914830504.
       {"exp(G) without RT", QUENT_dGtrend_fraggfd, {1, 2}, {-0.5, 1}, 2, {1, 2}, {0, 0.0004447535018134014}},
       {"one concentration", QUENT_dGtrend_fd, {1}, {1, 1}, 5, {1}, {1}},
+      {"concentration 0: G infinite there", nullptr, {0, 4}, {-100, 5000}, 2, {0, 4},
+       {INFINITY, 5000.0 + -100.0 * std::log(4.0)}},
+      {"negative concentration: G NaN there", nullptr, {-1, 4}, {-100, 5000}, 2, {-1, 4},
+       {NAN, 5000.0 + -100.0 * std::log(4.0)}},
       {"one point: the high end", nullptr, {1, 4}, {-100, 5000}, 1, {4}, {5000.0 + -100.0 * std::log(4.0)}},
       {"no points", QUENT_dGtrend_fd, {1, 3}, {1, 1}, 0, {1}, {1}},
       {"no rows", QUENT_dGtrend_fd, {1, 3}, {1, 1}, 5, {1}, {1}, 0},
@@ -94,6 +111,10 @@ TEST(Drawing, LimitsAndNulls) {
   QUENT_dGtrend_normalization(conc, size, 2.0, 1.0, nullptr, scaledSize);
   QUENT_dGtrend_normalization(conc, size, 2.0, 1.0, scaled, nullptr);
   EXPECT_TRUE(scaledSize[0] == 7 && scaled[0] == 9.0);
+  // The temperature is not checked: at -273.15 degrees RT is 0, and a
+  // positive G leaves nothing unfolded.
+  QUENT_dGtrend_fd(conc, size, coefficients, 3, -273.15, grid.get(), curve.get());
+  expectList(curve->data, curve.count(), {0.0, 0.0, 0.0});
 }
 
 // A drawing whose storage runs out, at the grid or at the curve, returns both

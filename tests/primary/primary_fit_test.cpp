@@ -2,6 +2,7 @@
 // call, the stride rule, the families a state count selects, and a synthetic
 // plate whose generating energies and midpoints come back.
 #include <fstream>
+#include <functional>
 #include <sstream>
 #include <thread>
 
@@ -52,19 +53,19 @@ struct FitResult {
 
 FitResult primaryFit(int32_T points, const real_T* den, const int32_T* denSize, const real_T* sig,
                      const int32_T* sigSize, const real_T* conc, const int32_T* concSize,
-                     int32_T stateCount = 2) {
+                     int32_T stateCount = 2, real_T temperatureC = 25.0) {
   OwnedArray<RealArray> rows;
   OwnedArray<Int32Array> mask;
-  QUENT_dGtrend_primaryFit(points, den, denSize, sig, sigSize, conc, concSize, stateCount, 25.0,
-                           rows.get(), mask.get());
+  QUENT_dGtrend_primaryFit(points, den, denSize, sig, sigSize, conc, concSize, stateCount,
+                           temperatureC, rows.get(), mask.get());
   return {{rows->data, rows->data + rows.count()}, {mask->data, mask->data + mask.count()}};
 }
 
-FitResult primaryFit(const Plate& p, int32_T stateCount = 2) {
+FitResult primaryFit(const Plate& p, int32_T stateCount = 2, real_T temperatureC = 25.0) {
   const int32_T denSize[2] = {1, static_cast<int32_T>(p.den.size())};
   const int32_T concSize[2] = {1, static_cast<int32_T>(p.conc.size())};
   return primaryFit(p.points, p.den.data(), denSize, p.sig.data(), denSize, p.conc.data(), concSize,
-                    stateCount);
+                    stateCount, temperatureC);
 }
 
 // Rows of zeros with -1 in column 12, and a mask of ones.
@@ -263,6 +264,91 @@ TEST(PrimaryFit, MeasuredTankCurve) {
   EXPECT_EQ(r.row(0)[13], 3.0);
   EXPECT_NEAR(r.row(0)[4], 4780.0, 478.0);
   EXPECT_NEAR(r.row(0)[6], 8330.0, 833.0);
+}
+
+// What measured data and careless hosts bring, as the README's table of bad
+// input states it.  Per curve: A accepted (code 2), 0 failed with code 0, G
+// failed at the gates (code 12); then the count of masked points.
+TEST(PrimaryFit, UntidyInput) {
+  const Plate base({0.5, 2.0, 8.0}, 2, 48);
+  const auto curve = [](Plate& p, int32_T c) { return std::pair{p.den.begin() + 48 * c, p.sig.begin() + 48 * c}; };
+  const struct {
+    const char* what;
+    std::function<void(Plate&)> damage;
+    real_T temperatureC;
+    const char* rows;
+    int dropped;
+  } cases[] = {
+      {"as measured", [](Plate&) {}, 25.0, "AAAAAA", 0},
+      {"NaN signal", [](Plate& p) { p.sig[10] = NAN; }, 25.0, "0AAAAA", 0},
+      {"NaN denaturant", [](Plate& p) { p.den[10] = NAN; }, 25.0, "0AAAAA", 0},
+      {"infinite denaturant", [](Plate& p) { p.den[60] = -INFINITY; }, 25.0, "A0AAAA", 0},
+      {"NaN in both top curves", [](Plate& p) { p.sig[4 * 48 + 10] = p.sig[5 * 48 + 10] = NAN; },
+       25.0, "AAAA00", 0},
+      {"one infinite signal: a spike", [](Plate& p) { p.sig[5 * 48 + 10] = INFINITY; }, 25.0,
+       "AAAAAA", 1},
+      {"two infinite signals side by side",
+       [](Plate& p) { p.sig[5 * 48 + 10] = p.sig[5 * 48 + 11] = INFINITY; }, 25.0, "AAAAA0", 0},
+      {"concentration 0", [](Plate& p) { p.conc[2] = 0.0; }, 25.0, "GGGGGG", 0},
+      {"negative concentration", [](Plate& p) { p.conc[2] = -1.0; }, 25.0, "GGGGGG", 0},
+      {"NaN concentration", [](Plate& p) { p.conc[2] = NAN; }, 25.0, "GGGGGG", 0},
+      {"interleaved concentrations", [](Plate& p) { p.conc = {0.5, 2.0, 8.0, 0.5, 2.0, 8.0}; },
+       25.0, "AAAAAA", 0},
+      {"one curve descending",
+       [&](Plate& p) {
+         auto [x, y] = curve(p, 1);
+         std::reverse(x, x + 48), std::reverse(y, y + 48);
+       },
+       25.0, "A0AAAA", 0},
+      {"every curve descending",
+       [&](Plate& p) {
+         for (int32_T c = 0; c < 6; ++c) {
+           auto [x, y] = curve(p, c);
+           std::reverse(x, x + 48), std::reverse(y, y + 48);
+         }
+       },
+       25.0, "000000", 0},
+      {"one curve negative", [&](Plate& p) { auto [x, y] = curve(p, 1); for (int i = 0; i < 48; ++i) y[i] = -y[i]; },
+       25.0, "AAAAAA", 0},
+      {"every curve negative", [](Plate& p) { for (real_T& y : p.sig) y = -y; }, 25.0, "000000", 0},
+      {"0 degrees", [](Plate&) {}, 0.0, "AAAAAA", 0},
+      {"100 degrees", [](Plate&) {}, 100.0, "AAAAAA", 0},
+      {"below 0 degrees", [](Plate&) {}, -0.5, "000000", 0},
+      {"above 100 degrees", [](Plate&) {}, 100.5, "000000", 0},
+      {"NaN degrees", [](Plate&) {}, NAN, "000000", 0},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    Plate p = base;
+    c.damage(p);
+    const FitResult r = primaryFit(p, 2, c.temperatureC);
+    ASSERT_EQ(r.rows.size(), 24u * 6);
+    ASSERT_EQ(r.mask.size(), 48u * 6);
+    for (int32_T k = 0; k < 6; ++k) {
+      const real_T* row = r.row(k);
+      if (c.rows[k] == 'A') {
+        EXPECT_TRUE(row[12] > 0.0 && row[13] == 2.0) << k;
+        continue;
+      }
+      for (int col = 0; col < 24; ++col)
+        EXPECT_EQ(row[col], col == 12 ? -1.0 : col == 13 && c.rows[k] == 'G' ? 12.0 : 0.0) << k;
+    }
+    EXPECT_EQ(std::count(r.mask.begin(), r.mask.end(), 0), c.dropped);
+  }
+  // Curves longer than a strategy takes (384 points) are taken, and fail.
+  for (const int32_T n : {385, 2304}) {
+    const FitResult r = primaryFit(Plate({2.0}, 1, n));
+    ASSERT_EQ(r.rows.size(), 24u);
+    EXPECT_TRUE(r.row(0)[12] == -1.0 && r.row(0)[13] == 0.0);
+    EXPECT_EQ(r.mask, std::vector<int32_T>(n, 1));
+  }
+  EXPECT_GT(primaryFit(Plate({2.0}, 1, 384)).row(0)[12], 0.0);
+  // A column vector (n-by-1) is one entry by the stride rule: the counts
+  // disagree and the answer is shaped by the denaturant's single point.
+  const int32_T column[2] = {288, 1}, concColumn[2] = {6, 1};
+  const FitResult r = primaryFit(48, base.den.data(), column, base.sig.data(), column,
+                                 base.conc.data(), concColumn);
+  EXPECT_TRUE(r.rows.empty() && r.mask.empty());
 }
 
 }  // namespace
