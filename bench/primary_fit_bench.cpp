@@ -84,7 +84,37 @@ void PrimaryFit48TwoTransitionCurvesOf96Points(benchmark::State& state) {
 void PrimaryFit24ThreeTransitionCurvesOf120Points(benchmark::State& state) {
   primaryFitPlate<3>(state, 24, 120);
 }
+// A plate on which nothing fits: 96 straight lines of 384 points (the most a
+// strategy takes), rising with the curve.  No group round fits, so the call
+// falls back to fitting curve after curve before it gives up.
+void PrimaryFit96StraightLinesOf384Points(benchmark::State& state) {
+  constexpr int32_T curves = 96, n = 384;
+  std::vector<real_T> den, sig, conc;
+  for (int32_T c = 0; c < curves; ++c) {
+    for (int32_T i = 0; i < n; ++i) {
+      den.push_back(8.0 * i / (n - 1));
+      sig.push_back(50.0 + 0.5 * c + 2.0 * den.back() + 0.1 * std::sin(1.7 * i + 2.9 * c));
+    }
+    conc.push_back(std::pow(2.0, c / 8 - 4));
+  }
+  const int32_T pointsSize[2] = {1, curves * n}, concSize[2] = {1, curves};
+  std::vector<real_T> rowBuffer(24 * curves);
+  std::vector<int32_T> maskBuffer(curves * n);
+  RealArray* rows = QUENT_emxCreateWrapper_real_T(rowBuffer.data(), 1, 24 * curves);
+  Int32Array* mask = QUENT_emxCreateWrapper_int32_T(maskBuffer.data(), 1, curves * n);
+  for (auto _ : state) {
+    QUENT_dGtrend_primaryFit(n, den.data(), pointsSize, sig.data(), pointsSize, conc.data(),
+                             concSize, 2, 25.0, rows, mask);
+    benchmark::DoNotOptimize(rows->data);
+  }
+  int32_T accepted = 0;
+  for (int32_T c = 0; c < curves; ++c) accepted += rows->data[24 * c + 12] > 0.0 ? 1 : 0;
+  state.counters["accepted"] = accepted;
+  std::free(rows->size), std::free(rows), std::free(mask->size), std::free(mask);
+}
+
 BENCHMARK(PrimaryFit96CurvesOf96Points)->Unit(benchmark::kMillisecond);
+BENCHMARK(PrimaryFit96StraightLinesOf384Points)->Unit(benchmark::kMillisecond)->Iterations(2);
 BENCHMARK(PrimaryFit48TwoTransitionCurvesOf96Points)->Unit(benchmark::kMillisecond);
 BENCHMARK(PrimaryFit24ThreeTransitionCurvesOf120Points)->Unit(benchmark::kMillisecond);
 

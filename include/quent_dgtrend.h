@@ -211,6 +211,9 @@ QUENT_API void QUENT_dGtrend_primaryFit(int32_T pointsPerCurve,
  *    elsewhere.
  * The rows and their codes are those described above QUENT_dGtrend_primaryFit;
  * a curve left out reads code 35 (two and three transitions) or 0 (one).
+ * Curves of more than 384 points are never usable for the reference fit,
+ * whatever the mask keeps: their rows fail with the code of a failed refit
+ * (0, 6 or 5 for one, two or three transitions).
  * Several threads may fit at once, each with its own outputs.
  */
 QUENT_API void QUENT_dGtrend_user_primaryFit(int32_T pointsPerCurve,

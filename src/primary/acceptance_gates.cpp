@@ -22,9 +22,11 @@ bool failsAcceptanceGates(const real_T* row) {
          row[kColEnergyError] / row[kColEnergy[0]] > kMaxRelativeError;
 }
 
+// A row is judged when RT is 0 or above and blanked when RT is below 0: a
+// row of RT exactly 0 is judged and may stand, a NaN RT is neither.
 bool applyAcceptanceGates(real_T* row) {
-  if (rowHasFit(row) && failsAcceptanceGates(row)) writeClearedRow(kRejectedCode, row);
-  if (rowHasFit(row)) return false;
+  if (row[kColRT] >= 0.0 && failsAcceptanceGates(row)) writeClearedRow(kRejectedCode, row);
+  if (!(row[kColRT] < 0.0)) return false;
   for (int c = 0; c < kColRT; ++c) row[c] = 0.0;
   for (int c = kColRSquared; c < kRowColumns; ++c) row[c] = 0.0;
   return true;

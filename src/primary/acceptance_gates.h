@@ -10,9 +10,9 @@ namespace quent {
 // Whether a fitted row (RT 0 or above) fails a gate.  A NaN fails none.
 bool failsAcceptanceGates(const real_T* row);
 
-// Clears a row that fails the gates to code 12, then blanks every failed row
-// but columns 12 and 13.  Returns true when the row ends failed: its curve
-// then reports all of its points as kept.
+// Judges a row of RT 0 or above and clears it to code 12 when it fails; then
+// blanks a row of RT below 0 but columns 12 and 13.  Returns true when the
+// row ends failed: its curve then reports all of its points as kept.
 bool applyAcceptanceGates(real_T* row);
 
 }  // namespace quent

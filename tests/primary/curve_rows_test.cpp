@@ -228,6 +228,20 @@ TEST(AcceptanceGates, Bounds) {
     EXPECT_EQ(applyAcceptanceGates(r.data()), c.fails) << c.column << " " << c.value;
     if (c.fails) { EXPECT_EQ(r, failed) << c.column << " " << c.value; }
   }
+  // RT exactly 0 is judged like any fitted row; a NaN RT is neither judged
+  // nor blanked.
+  for (const real_T rSquared : {0.99, 0.5}) {
+    std::vector<real_T> r(24, 0.0);
+    r[4] = 1000.0, r[13] = 2.0, r[14] = rSquared, r[15] = 100.0, r[23] = 0.5;
+    const std::vector<real_T> before = r;
+    EXPECT_EQ(applyAcceptanceGates(r.data()), rSquared < 0.95);
+    if (rSquared < 0.95) EXPECT_TRUE(r[12] == -1.0 && r[13] == 12.0 && r[23] == 0.0);
+    else EXPECT_EQ(r, before);
+    r = before;
+    r[12] = NAN, r[14] = 0.5;
+    EXPECT_FALSE(applyAcceptanceGates(r.data()));
+    EXPECT_TRUE(std::isnan(r[12]) && r[14] == 0.5 && r[23] == 0.5);
+  }
 }
 
 // From a row a few percent off, both forms recover the curve; the masked form

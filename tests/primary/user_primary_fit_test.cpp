@@ -128,5 +128,37 @@ TYPED_TEST(UserPrimaryFit, ShortMasksAndUnfittablePlatesFailTheCall) {
                                 TypeParam::kStateCount, 25.0, nullptr);
 }
 
+// Curves of 400 points: the usable test of a round takes no curve longer
+// than 384 points, whatever its mask keeps, so the refits start from nothing
+// and fail with their code (6 for two transitions).
+TEST(UserPrimaryFitLimits, LongCurvesFailTheirRefits) {
+  constexpr int32_T n = 400;
+  std::vector<real_T> den, sig, conc;
+  for (int c = 0; c < 2; ++c) {
+    const real_T lnc = std::log(1.0 + c);
+    const real_T p[10] = {4000.0 + 300.0 * lnc, (4000.0 + 300.0 * lnc) / 2400.0,
+                          11000.0 + 400.0 * lnc, (11000.0 + 400.0 * lnc) / 2400.0,
+                          0.4, 100.0, 0.0, 42.0, 0.0, rtFromCelsius(25.0)};
+    const std::vector<real_T> x = grid(n, 0.0, 8.0), y = evaluated(curveModel2, p, x);
+    den.insert(den.end(), x.begin(), x.end());
+    sig.insert(sig.end(), y.begin(), y.end());
+    conc.push_back(1.0 + c);
+  }
+  const auto fit = [&](const std::vector<int32_T>& mask) {
+    OwnedArray<RealArray> rows;
+    const int32_T size[2] = {1, 2 * n}, two[2] = {1, 2}, flags[2] = {1, 1};
+    QUENT_dGtrend_user_primaryFit(n, den.data(), size, sig.data(), size, conc.data(), two,
+                                  mask.data(), size, flags, two, 3, 25.0, rows.get());
+    return std::vector<real_T>(rows->data, rows->data + rows.count());
+  };
+  const std::vector<real_T> all = fit(std::vector<int32_T>(2 * n, 1));
+  ASSERT_EQ(all.size(), 48u);
+  for (int32_T c = 0; c < 2; ++c) expectFailedRow(rowOf(all, c), 6.0);
+  std::vector<int32_T> half(2 * n, 0);
+  for (int32_T i = 0; i < 2 * n; i += 2) half[i] = 1;
+  const std::vector<real_T> fewer = fit(half);
+  for (int32_T c = 0; c < 2; ++c) expectFailedRow(rowOf(fewer, c), 6.0);
+}
+
 }  // namespace
 }  // namespace quent::test
