@@ -10,8 +10,10 @@
 #include <cstring>
 #include <cstdlib>
 #include <limits>
+#include <thread>
 #include <vector>
 
+#include "frame/allocation.h"
 #include "quent_dgtrend.h"
 
 namespace quent::fuzz {
@@ -120,16 +122,17 @@ inline Plate readPlate(Reader& in) {
 }
 
 // One piece of damage to a plate: spikes, NaN and infinities, a curve turned
-// round or negated, a repeated point, sizes that disagree with the data, a
-// column vector, a vector read through a stride (never beyond what the
-// vectors hold: the caller owns its buffers).
+// round or negated, a repeated point, a curve at one denaturant value, sizes
+// that disagree with the data or claim nothing, a column vector, a vector
+// read through a stride (never beyond what the vectors hold: the caller owns
+// its buffers).
 inline void damage(Reader& in, Plate& plate) {
   std::vector<double>& x = plate.denaturant.v;
   std::vector<double>& y = plate.signal.v;
   if (x.empty() || y.empty()) return;
   const std::uint8_t op = in.byte();
   const std::size_t at = in.u16() % y.size();
-  switch (op % 12) {
+  switch (op % 14) {
     case 0: y[at] += 100.0 * (in.unit() - 0.5) * (1.0 + std::fabs(y[at])); break;
     case 1: y[at] = kNaN; break;
     case 2: x[at % x.size()] = in.byte() & 1 ? kInf : -kInf; break;
@@ -153,7 +156,44 @@ inline void damage(Reader& in, Plate& plate) {
     case 11:  // the first row of a two-row matrix
       plate.signal.size[0] = 2, plate.signal.size[1] = static_cast<int32_T>(y.size() / 2);
       break;
+    case 12: {  // a curve measured at one denaturant concentration only
+      const std::size_t first = at / plate.pointsPerCurve * plate.pointsPerCurve;
+      for (std::size_t i = first; i < first + plate.pointsPerCurve && i < x.size(); ++i)
+        x[i] = x[first];
+      break;
+    }
+    case 13:  // nothing at all
+      plate.denaturant.size[1] = plate.signal.size[1] = plate.sampleConc.size[1] = 0;
+      break;
   }
+}
+
+// Some calls run out of memory part way: for a first byte below 8 the call
+// runs on a fresh thread, which must make its working space, under an
+// allocation limit read from the input.
+struct Memory {
+  bool starved = false;
+  long limit = -1;
+};
+
+inline Memory readMemory(Reader& in) {
+  Memory m;
+  m.starved = in.byte() < 8;
+  m.limit = in.u16() % 512;
+  return m;
+}
+
+template <class Call>
+void runWith(const Memory& memory, Call call) {
+  if (!memory.starved) {
+    call();
+    return;
+  }
+  std::thread([&] {
+    failAllocationsAfter(memory.limit);
+    call();
+    failAllocationsAfter(-1);
+  }).join();
 }
 
 // What a host does with a record it made or the library grew.

@@ -1,6 +1,7 @@
 // The user-constrained fit: a plate as for the automatic fit, a point mask
 // that drops runs of points, curve flags, and masks or flags that may stop
-// short of the curves or be read through a stride.
+// short of the curves or be read through a stride; now and then short of
+// memory.
 #include "fuzz_input.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -19,14 +20,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const int32_T stride = shape & 1 ? 2 : 1;
   const int32_T maskSize[2] = {stride, static_cast<int32_T>(points) - (shape >> 1) % 3};
   const int32_T flagSize[2] = {1, plate.curveCount - (shape >> 3) % 2};
+  const Memory memory = readMemory(in);
   while (!in.empty()) damage(in, plate);
   real_T rowBuffer[24];
   RealArray* rows = QUENT_emxCreateWrapper_real_T(rowBuffer, 1, 24);
-  QUENT_dGtrend_user_primaryFit(plate.pointsPerCurve, plate.denaturant.v.data(),
-                                plate.denaturant.size, plate.signal.v.data(), plate.signal.size,
-                                plate.sampleConc.v.data(), plate.sampleConc.size, mask.data(),
-                                maskSize, flags.data(), flagSize, plate.stateCount,
-                                plate.temperatureC, rows);
+  runWith(memory, [&] {
+    QUENT_dGtrend_user_primaryFit(plate.pointsPerCurve, plate.denaturant.v.data(),
+                                  plate.denaturant.size, plate.signal.v.data(),
+                                  plate.signal.size, plate.sampleConc.v.data(),
+                                  plate.sampleConc.size, mask.data(), maskSize, flags.data(),
+                                  flagSize, plate.stateCount, plate.temperatureC, rows);
+  });
   checkRows(rows);
   release(rows);
   return 0;

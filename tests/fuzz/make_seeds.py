@@ -17,6 +17,7 @@ DATA = os.path.join(ROOT, "examples", "data")
 CORPUS = os.path.join(HERE, "corpus")
 
 RAW = 0xFF  # a pick() byte that reads the next 8 bytes as the value
+PLENTY = bytes([0xFF, 0, 0])  # the fits run with all the memory they need
 
 
 def double(v):
@@ -80,13 +81,26 @@ def main():
         concs.append([c for c, _, _ in curves])
         for states in (2, 3, 4):
             plate = raw_plate(states, points, curves)
-            write("fuzz_primary_fit", "%s_%d" % (name, states), plate)
+            write("fuzz_primary_fit", "%s_%d" % (name, states), plate + PLENTY)
             # No runs dropped, every curve flagged 1, masks of full length.
             flags = bytes([1] * len(curves))
             write("fuzz_user_primary_fit", "%s_%d" % (name, states),
-                  plate + bytes([0]) + flags + bytes([0]))
+                  plate + bytes([0]) + flags + bytes([0]) + PLENTY)
             write("fuzz_user_primary_fit", "%s_%d_dropped" % (name, states),
-                  plate + bytes([2, 0, 0, 3, 40, 0, 5]) + flags + bytes([1]))
+                  plate + bytes([2, 0, 0, 3, 40, 0, 5]) + flags + bytes([1]) + PLENTY)
+        # The single measured curves short of memory after a few
+        # allocations, measured at one denaturant value, and as nothing.
+        if len(curves) > 1:
+            continue
+        plate = raw_plate(2, points, curves)
+        flags = bytes([1] * len(curves))
+        for limit in (0, 3, 40):
+            starved = bytes([0]) + struct.pack("<H", limit)
+            write("fuzz_primary_fit", "%s_starved_%d" % (name, limit), plate + starved)
+            write("fuzz_user_primary_fit", "%s_starved_%d" % (name, limit),
+                  plate + bytes([0]) + flags + bytes([0]) + starved)
+        write("fuzz_primary_fit", name + "_one_denaturant", plate + PLENTY + bytes([12, 0, 0]))
+        write("fuzz_primary_fit", name + "_nothing", plate + PLENTY + bytes([13, 0, 0]))
     for golden in ("plate.golden", "plate2.golden", "plate3.golden", "tank.golden"):
         rows = rows_of(golden)[:99]
         transition = {"plate.golden": 1, "plate2.golden": 2, "plate3.golden": 3, "tank.golden": 2}[golden]
