@@ -1,7 +1,7 @@
 #!/bin/sh
 # Builds the library and runs every test, in three builds:
-#  1. g++: unit, golden-file and C host tests, and valgrind memcheck of the
-#     example host over every bundled data set;
+#  1. g++: unit, golden-file and C host tests, the fuzz seeds replayed, and
+#     valgrind memcheck of the example host over every bundled data set;
 #  2. clang with AddressSanitizer and UndefinedBehaviorSanitizer: the same
 #     tests again, then a few seconds of every fuzz target;
 #  3. the thread sanitizer: fits on several threads at once.
@@ -12,7 +12,8 @@ tools/ensure-packages.sh cmake make g++ gcc binutils libgtest-dev libbenchmark-d
 start=$(date +%s)
 lap() { echo "== $1 done after $(($(date +%s) - start)) s"; }
 
-cmake -S . -B build -DCMAKE_BUILD_TYPE=RelWithDebInfo -DQUENT_TEST_SANITIZERS=OFF
+cmake -S . -B build -DCMAKE_BUILD_TYPE=RelWithDebInfo -DQUENT_TEST_SANITIZERS=OFF \
+  -DQUENT_BUILD_FUZZ=ON
 cmake --build build -j 2
 ctest --test-dir build -j 2 --output-on-failure --timeout 300
 lap "g++ build and tests"
