@@ -179,7 +179,7 @@ struct Memory {
 inline Memory readMemory(Reader& in) {
   Memory m;
   m.starved = in.byte() < 8;
-  m.limit = in.u16() % 512;
+  m.limit = in.u16();
   return m;
 }
 

@@ -24,6 +24,11 @@ def double(v):
     return struct.pack("<d", v)
 
 
+def u16(unit):
+    """The two bytes that Reader::unit() reads as `unit` (below 1)."""
+    return struct.pack("<H", min(int(unit * 65536), 65535))
+
+
 def picked(v):
     return bytes([RAW]) + double(v)
 
@@ -94,13 +99,20 @@ def main():
             continue
         plate = raw_plate(2, points, curves)
         flags = bytes([1] * len(curves))
-        for limit in (0, 3, 40):
+        user = plate + bytes([0]) + flags + bytes([0])
+        for limit in (0, 3, 8, 21, 55, 144, 377):
             starved = bytes([0]) + struct.pack("<H", limit)
             write("fuzz_primary_fit", "%s_starved_%d" % (name, limit), plate + starved)
-            write("fuzz_user_primary_fit", "%s_starved_%d" % (name, limit),
-                  plate + bytes([0]) + flags + bytes([0]) + starved)
-        write("fuzz_primary_fit", name + "_one_denaturant", plate + PLENTY + bytes([12, 0, 0]))
-        write("fuzz_primary_fit", name + "_nothing", plate + PLENTY + bytes([13, 0, 0]))
+            write("fuzz_user_primary_fit", "%s_starved_%d" % (name, limit), user + starved)
+        for target, head in (("fuzz_primary_fit", plate), ("fuzz_user_primary_fit", user)):
+            write(target, name + "_one_denaturant", head + PLENTY + bytes([12, 0, 0]))
+            write(target, name + "_nothing", head + PLENTY + bytes([13, 0, 0]))
+    # A made curve of 8 points with one large spike: the screen leaves 7,
+    # fewer than a one-transition fit needs.
+    made = bytes([0, 5, 0, 0]) + u16(1.0) + u16(0.7) + u16(0.5) + u16(0.0)
+    made += u16(0.5) + u16(0.4) + u16(0.5) + u16(0.0) * 8 + bytes([1])
+    write("fuzz_primary_fit", "eight_points_one_spike",
+          made + PLENTY + bytes([0]) + struct.pack("<H", 3) + u16(1.0))
     for golden in ("plate.golden", "plate2.golden", "plate3.golden", "tank.golden"):
         rows = rows_of(golden)[:99]
         transition = {"plate.golden": 1, "plate2.golden": 2, "plate3.golden": 3, "tank.golden": 2}[golden]
