@@ -11,12 +11,17 @@
  *    pass a matrix and only its first row is seen.
  *  - A "pair" argument is a read-only data pointer followed by a pointer to two
  *    int32_T dimension lengths.
- *  - Output records (RealArray*, Int32Array*) are created by the host with the
- *    wrappers below around buffers of its own.  When a result does not fit the
- *    host's buffer the library allocates a larger one with malloc, copies what
- *    the record held, and points the record at it (canFreeData becomes true);
+ *  - Ownership.  Output records (RealArray*, Int32Array*) are made by the
+ *    host with QUENT_emxCreateWrapper_* around buffers of its own; the host
+ *    owns the buffer, the library the record.  When a result does not fit
+ *    the host's buffer the library allocates a larger one, copies what the
+ *    record held, and points the record at it (canFreeData becomes true);
  *    the host's buffer is then left alone and no longer referred to.  Always
- *    read data and size back from the record after a call.
+ *    read data and size back from the record after a call.  Give every
+ *    record back with QUENT_emxDestroyArray_* (never free() it: the library
+ *    may use another C runtime than the host): that frees the record, its
+ *    size vector and any storage the library grew into it, never the host's
+ *    buffer, which the host frees after the record (or reuses) as it likes.
  *  - Failure is a value, never an error code: a failed fit row has -1 in
  *    column 12.  No function allocates anything that outlives the call except
  *    the grown storage of an output record and the working space of a
@@ -50,6 +55,11 @@
 extern "C" {
 #endif
 
+/* The version of this header; QUENT_dGtrend_version() gives the library's. */
+#define QUENT_DGTREND_VERSION_MAJOR 0
+#define QUENT_DGTREND_VERSION_MINOR 1
+#define QUENT_DGTREND_VERSION_PATCH 0
+
 typedef double real_T;
 typedef int32_t int32_T;
 
@@ -81,8 +91,8 @@ typedef struct BoolArray {
 
 /*
  * Wraps a host buffer of rows * cols elements in a new 2-D record that does
- * not own it (canFreeData false).  The record and its size vector are
- * allocated with malloc and are never freed by the library.  With a negative
+ * not own it (canFreeData false).  Give the record back with
+ * QUENT_emxDestroyArray_real_T or _int32_T.  With a negative
  * dimension none of the buffer is trusted: the library writes only to
  * storage of its own.  Null when no memory could be had.
  */
@@ -91,6 +101,18 @@ QUENT_API RealArray *QUENT_emxCreateWrapper_real_T(real_T *data, int32_T rows,
 QUENT_API Int32Array *QUENT_emxCreateWrapper_int32_T(int32_T *data,
                                                      int32_T rows,
                                                      int32_T cols);
+
+/*
+ * Gives a record back: frees the record, its size vector and the storage the
+ * library grew into it (canFreeData true); a host's buffer (canFreeData
+ * false) is left alone.  Null does nothing.  Each record is given back once,
+ * and is not used afterwards.
+ */
+QUENT_API void QUENT_emxDestroyArray_real_T(RealArray *array);
+QUENT_API void QUENT_emxDestroyArray_int32_T(Int32Array *array);
+
+/* The library's version, "MAJOR.MINOR.PATCH"; a static text. */
+QUENT_API const char *QUENT_dGtrend_version(void);
 
 /*
  * Scales a curve: scaled[i] = values[i] * (target / reference), or the values
@@ -106,43 +128,169 @@ QUENT_API void QUENT_dGtrend_normalization(const real_T *values,
                                            int32_T *scaledSize);
 
 /*
- * A fit row holds 24 real_T values for one curve; columns from 0:
- *   0, 1    native baseline: signal = [0] + [1] * denaturant
- *   2, 3    unfolded baseline, alike
- *   4, 5    dG1 (cal/mol, at zero denaturant) and Cm1 (denaturant units)
- *           of the first transition
- *   6, 7    dG2, Cm2 (two and three transitions; 0 with one)
- *   8       amp1, the share of the signal change the first transition makes
- *           (two and three transitions)
- *   9, 10   dG3, Cm3 (three transitions)
- *   11      amp2, the share the second transition makes (three transitions)
- *   12      RT in cal/mol (from temperatureC); -1 for a curve without an
- *           accepted fit, whose other columns are then 0 but for column 13
- *   13      the code of the step that wrote the row (see below)
- *   14      R squared on the points used
- *   15-17   uncertainty of dG1, dG2, dG3 in cal/mol (a 95 percent bound)
- *   18-20   equilibrium constant of unfolding of each transition at zero
- *           denaturant, times 1e6
- *   21-23   0
- * Transitions stand in ascending order of midpoint.  Column 13 of a
- * primary fit's row:
- *   2       accepted, one transition
- *   3, 6    accepted, two transitions, amplitude held at the plate's
- *           reference fit or fitted freely
- *   4, 5    accepted, three transitions, amplitudes held or free
- *   with column 12 at -1:
- *   0       the curve kept fewer points than its model needs (8, 16 or 24
- *           for one, two or three transitions), or every fit of the plate's
- *           reference failed; with one transition also a failed refit
- *   6, 5    the refits of a curve of two or three transitions failed (also
- *           when no curve of the plate passed the usable test, so that the
- *           refits started from nothing)
- *   12      the fit failed the quality gates once the trend over
- *           concentration set its energies: R squared below 0.95, a negative
- *           free energy, or an uncertainty of dG1 above a quarter of it
- *   35      (QUENT_dGtrend_user_primaryFit only) the host left the curve
- *           out; with one transition such a row shows 0
+ * READING THE RESULTS
+ *
+ * Units.  Energies and RT are in cal/mol (RT = (temperatureC + 273.15) *
+ * 1.9872).  Midpoints are in the host's denaturant unit; the library never
+ * converts it, but its plausibility bounds assume molar: a transition is
+ * taken only with an m value (dG / Cm) from 100 to 15000 cal/mol per unit
+ * and a midpoint from 0 to the curve's largest denaturant value.  Signals
+ * keep the host's unit.
+ *
+ * The fit row: 24 real_T per curve, curve c at columns 24 * c to 24 * c + 23
+ * of fitRows.  Columns from 0, by family (stateCount 2: one transition, 3:
+ * two, 4: three):
+ *
+ *   col  one transition    two transitions    three transitions
+ *   0    native intercept (all three)                         (signal)
+ *   1    native slope (all three)                             (signal/unit)
+ *   2    unfolded intercept (all three)                       (signal)
+ *   3    unfolded slope (all three)                           (signal/unit)
+ *   4    dG                dG1                dG1                (cal/mol)
+ *   5    Cm                Cm1                Cm1                (unit)
+ *   6    0                 dG2                dG2                (cal/mol)
+ *   7    0                 Cm2                Cm2                (unit)
+ *   8    0                 amp1               amp1               (share, 0-1)
+ *   9    0                 0                  dG3                (cal/mol)
+ *   10   0                 0                  Cm3                (unit)
+ *   11   0                 0                  amp2               (share, 0-1)
+ *   12   RT (all three; cal/mol), -1 for a curve without a fit
+ *   13   code (all three; see below)
+ *   14   R squared of the fit on the points it kept (all three)
+ *   15   e * dG            e * dG1            e * dG1            (cal/mol)
+ *   16   0                 e * dG2            e * dG2            (cal/mol)
+ *   17   0                 0                  e * dG3            (cal/mol)
+ *   18   K1 * 1e6          K1 * 1e6           K1 * 1e6
+ *   19   0                 K2 * 1e6           K2 * 1e6
+ *   20   0                 0                  K3 * 1e6
+ *   21-23  0
+ *
+ *  - The model: transition t has K_t(x) = exp(-(dG_t * (1 - x / Cm_t)) /
+ *    RT) at denaturant x, and the signal is the sum over t of
+ *    w_t * (a + b x + (c + d x) K_t) / (1 + K_t), with (a, b) the native and
+ *    (c, d) the unfolded baseline of columns 0 to 3 and the weights w = 1
+ *    (one transition), amp1 and 1 - amp1 (two), amp1, amp2 and
+ *    (1 - amp1) - amp2 (three).  The transitions are parallel two-state
+ *    steps between the same two baselines, weighted by their share of the
+ *    signal change, in ascending order of midpoint.
+ *    QUENT_dGtrend_evaluateRow computes it, and the unfolded fraction.
+ *  - dG_t is the free energy of transition t without denaturant, and m_t =
+ *    dG_t / Cm_t its m value (cal/mol per unit).  In a returned row the
+ *    energies are not the curve's own: the library fits a straight line
+ *    through the m values of all fitted curves against ln(sample
+ *    concentration), per transition, and sets dG_t = Cm_t * (slope *
+ *    ln(c) + intercept) for the curve's concentration c.  So dG_t / Cm_t is
+ *    the line's m value at c (up to rounding), and a plate of one
+ *    concentration shares one m value per transition.
+ *  - e (columns 15 to 17) is a 95 percent bound on the residual of the
+ *    unfolded fraction, dimensionless, applied to each energy as a relative
+ *    error; -1 when it could not be measured (the columns are then the
+ *    negated energies).
+ *  - K_t (columns 18 to 20) is the equilibrium constant of unfolding of
+ *    transition t without denaturant, exp(-dG_t / RT), in millionths.
+ *  - A failed row has RT -1 in column 12, its code in column 13 and 0 in
+ *    every other column.  Column 12 above 0 is the one test of success.
+ *
+ * Acceptance gates.  After the trend set its energies every fitted row is
+ * judged; it is rejected (code 12, all else 0, RT -1, its curve's mask all
+ * 1) when R squared is below 0.95, when dG1, dG2 or dG3 is below 0, or when
+ * column 15 / column 4 (the relative uncertainty of dG1) is above 0.25.  The
+ * bounds themselves pass.  (A NaN energy leaves R squared at -1, which fails.)
+ *
+ * Codes of returned rows (column 13; QUENT_dGtrend_codeText gives the text):
+ *
+ *   states  RT > 0 (fitted)                  RT -1 (no fit)
+ *   2       2  held refit                    0  too few points (8), no
+ *                                               reference fit, a refused
+ *                                               call, or a failed refit
+ *                                            12 rejected at the gates
+ *   3       3  held refit (share held)       0  too few points (16), no
+ *           6  free refit (share free)          reference fit, refused call
+ *                                            6  both refits failed
+ *                                            12 rejected at the gates
+ *                                            35 curve left out by the host
+ *   4       4  held refit (shares held)      0  too few points (24), no
+ *           5  free refit (shares free)         reference fit, refused call
+ *                                            5  both refits failed
+ *                                            12 rejected at the gates
+ *                                            35 curve left out by the host
+ *
+ * Each curve is fitted for good from the plate's reference fit (the mean
+ * curve of the highest concentration that fits), with the baseline slopes
+ * held, and with two or three transitions the amplitude shares held too; the
+ * free refit, shares fitted, is tried when the held one misses a plateau at
+ * an end of the curve and stands only while it reaches both plateaus and
+ * its shares stay within 0.1 (two transitions) or 0.07 (three) of the
+ * reference's.  A curve left out by the host in the one-transition family
+ * reads code 0.
+ *
+ * Strategy exit codes.  Inside a fit, the reference fit and the fits that
+ * decide each curve's point mask are found by a strategy that numbers its
+ * exits; those rows are not returned, but their numbers are these (a
+ * "ladder" lowers an R squared threshold over fixed start attempts):
+ *   one transition (1 to 64): 1 input refused (sizes, under 8 or over 384
+ *     points, temperature, mask); 2 both baselines held; 3, 4 first good
+ *     attempt with the native, the unfolded baseline given; 5-22 pair
+ *     ladder; 23-31 first-pass ladder; 32 no signal change or first and
+ *     last x equal; 33 no attempt with R squared of 0 or above; 34 ladders
+ *     exhausted; 35-39 the retry without one end point (35 no change, 36
+ *     equal ends, 37 no R squared, 38 both baselines held: its only fit, 39
+ *     nothing passed); 40-64 the retry without both end points (40-42 as
+ *     35-37, 43-45 as 2-4, 46-63 pair ladder, 64 nothing passed).
+ *   two transitions (1 to 62): as one transition with 16 points in place
+ *     of 8; 5-20 pair ladder, 21-31 first-pass ladder, 46-61 pair ladder of
+ *     the retry without both ends, 62 nothing passed.
+ *   three transitions (1 to 71, no retries): 1 input refused (24 points);
+ *     2-4 as above; 5-31 and 35-39 pair ladder; 32 no signal change or equal
+ *     ends; 33 no R squared; 34 final ladder exhausted; 40-71 final ladder.
+ *
+ * The point mask of QUENT_dGtrend_primaryFit: one int32_T per point, in the
+ * host's order, point i of curve c at c * pointsPerCurve + i; 1 for a point
+ * the curve's accepted fit used, 0 for one screened out as a spike or an
+ * outlier.  A curve without an accepted fit reports all its points as 1.
+ * The same layout is what QUENT_dGtrend_user_primaryFit reads.
+ *
+ * Vector shapes.  Every vector is a pair (data, {rows, cols}) read by the
+ * stride rule: entry i is data[rows * i] and there are cols entries.  A
+ * 1-by-n row is the normal shape; an m-by-n matrix gives its first row; an
+ * n-by-1 column gives its first entry only (a vector of length 1), so the
+ * counts of a fit then disagree and the call is refused.  A size with a
+ * dimension below 1 is an empty vector.
+ *
+ * Limits.  A call takes at most 96 curves of at most 2304 points each; a
+ * strategy fits at most 384 points of a curve, so longer curves are taken
+ * but their rows fail.  A curve needs at least 8, 16 or 24 kept points for
+ * one, two or three transitions.  The drawings take at most 100000 points.
  */
+
+/*
+ * The fitted curve of a row, by the library's own models: for i below
+ * pointCount, signal[i] := the model signal and unfoldedFraction[i] := the
+ * fraction unfolded (0 to 1) at denaturant[i], with the parameters in fitRow
+ * (24 values, as a fitting function returned them) read as the family of
+ * stateCount (3: two transitions, 4: three, any other value: one; give the
+ * stateCount of the fit).  Evaluated at the points a fit kept, the signal
+ * reproduces column 14 (R squared) bit for bit.  A row without a fit
+ * (column 12 not above 0) or a null fitRow gives NaN.  signal and
+ * unfoldedFraction are host buffers of pointCount entries, either may be
+ * null, and neither may overlap denaturant.  With a null denaturant or
+ * pointCount below 1 nothing is written.  Any number of points, any order.
+ */
+QUENT_API void QUENT_dGtrend_evaluateRow(const real_T *fitRow,
+                                         int32_T stateCount,
+                                         const real_T *denaturant,
+                                         int32_T pointCount, real_T *signal,
+                                         real_T *unfoldedFraction);
+
+/*
+ * What the code in column 13 of a returned row means: a static English
+ * text, never null and never to be freed, that says which step wrote a
+ * fitted row (column 12 above 0) or why a curve has no fit.  Give the
+ * stateCount of the fit.  A code the fitting functions do not write for
+ * that family has a text that says so; a null fitRow gives "no row".
+ */
+QUENT_API const char *QUENT_dGtrend_codeText(const real_T *fitRow,
+                                             int32_T stateCount);
 
 /*
  * Fits every curve of a plate with the model family of stateCount (3: two
@@ -200,9 +348,9 @@ QUENT_API void QUENT_dGtrend_primaryFit(int32_T pointsPerCurve,
  * some points or whole curves taken out.  pointsPerCurve, denaturant,
  * signal, sampleConc, stateCount, temperatureC and fitRows are those of
  * QUENT_dGtrend_primaryFit, and so are its refusals.
- *  - pointMask: pair, one entry per point of every curve (curves * pointsPerCurve),
- *    1 for a point the fit may use.  Nothing else is screened or dropped:
- *    spikes the host keeps stay in.
+ *  - pointMask: pair, one entry per point of every curve (curves *
+ *    pointsPerCurve), 1 for a point the fit may use.  Nothing else is
+ *    screened or dropped: spikes the host keeps stay in.
  *  - curveFlags: pair, one entry per curve, 1 for a curve to fit; the other
  *    curves take no part in the reference fit, the trend or the statistics.
  *  - Both are only read, by the stride rule; there is no mask output.  A

@@ -6,7 +6,9 @@
 #include "analysis/normalization.h"
 #include "analysis/trend_fractions.h"
 #include "frame/array.h"
+#include "primary/code_text.h"
 #include "primary/primary_fit.h"
+#include "primary/row_evaluation.h"
 #include "primary/user_primary_fit.h"
 
 using namespace quent;
@@ -26,6 +28,13 @@ Record* createWrapper(decltype(Record::data) data, int32_T rows, int32_T cols) {
   return a;
 }
 
+// Frees a record, its size vector and the storage it owns; a host's buffer
+// stays with the host.
+template <class Record>
+void destroyArray(Record* a) {
+  arrayFree(&a);
+}
+
 }  // namespace
 
 extern "C" {
@@ -37,6 +46,10 @@ QUENT_API RealArray* QUENT_emxCreateWrapper_real_T(real_T* data, int32_T rows, i
 QUENT_API Int32Array* QUENT_emxCreateWrapper_int32_T(int32_T* data, int32_T rows, int32_T cols) {
   return createWrapper<Int32Array>(data, rows, cols);
 }
+
+QUENT_API void QUENT_emxDestroyArray_real_T(RealArray* array) { destroyArray(array); }
+
+QUENT_API void QUENT_emxDestroyArray_int32_T(Int32Array* array) { destroyArray(array); }
 
 QUENT_API void QUENT_dGtrend_normalization(const real_T* values, const int32_T* valuesSize,
                                            real_T reference, real_T target, real_T* scaled,
@@ -102,6 +115,25 @@ QUENT_API void QUENT_dGtrend_calc(const real_T* sampleConc, const int32_T* sampl
                                   RealArray* deviationOut, Int32Array* usedOut, real_T* summary) {
   calc(sampleConc, sampleConcSize, fitRows, fitRowsSize, curveFlags, curveFlagsSize, transition,
        concOut, trendOut, deviationOut, usedOut, summary);
+}
+
+QUENT_API void QUENT_dGtrend_evaluateRow(const real_T* fitRow, int32_T stateCount,
+                                         const real_T* denaturant, int32_T pointCount,
+                                         real_T* signal, real_T* unfoldedFraction) {
+  evaluateRow(fitRow, stateCount, denaturant, pointCount, signal, unfoldedFraction);
+}
+
+QUENT_API const char* QUENT_dGtrend_codeText(const real_T* fitRow, int32_T stateCount) {
+  return codeText(fitRow, stateCount);
+}
+
+#define QUENT_TEXT(x) #x
+#define QUENT_VERSION_TEXT(major, minor, patch) \
+  QUENT_TEXT(major) "." QUENT_TEXT(minor) "." QUENT_TEXT(patch)
+
+QUENT_API const char* QUENT_dGtrend_version(void) {
+  return QUENT_VERSION_TEXT(QUENT_DGTREND_VERSION_MAJOR, QUENT_DGTREND_VERSION_MINOR,
+                            QUENT_DGTREND_VERSION_PATCH);
 }
 
 }  // extern "C"

@@ -6,13 +6,13 @@
 #include "frame/fit_row.h"
 #include "frame/limits.h"
 #include "frame/row_layout.h"
+#include "primary/row_codes.h"
 
 namespace quent {
 namespace {
 
 constexpr real_T kMinRSquared = 0.95;
 constexpr real_T kMaxRelativeError = 0.25;
-constexpr real_T kRejectedCode = 12.0;
 
 }  // namespace
 

@@ -9,14 +9,11 @@
 #include "frame/limits.h"
 #include "models/end_agreement.h"
 #include "primary/refit_from_row.h"
+#include "primary/row_codes.h"
 #include "strategies/families.h"
 
 namespace quent {
 namespace {
-
-// The row of a curve the host left out: the failed row of its free refit.
-// That of its held refit (code 34) is never taken, so it never shows.
-constexpr real_T kUnchosenFreeCode = 35.0;
 
 // Whether a fit reaches the plateaus at both ends: the sum of the two end
 // agreements above 1.0, each being 1.0 or 0.0.
