@@ -9,7 +9,8 @@ cd "$(dirname "$0")/.."
 seconds=${1:?usage: tools/run-fuzz.sh SECONDS [TARGET...]}
 shift
 targets=${*:-"fuzz_primary_fit fuzz_user_primary_fit fuzz_calc fuzz_normalization fuzz_trend
-  fuzz_fd fuzz_fragg fuzz_fraggfd fuzz_wrapper_real fuzz_wrapper_int32"}
+  fuzz_fd fuzz_fragg fuzz_fraggfd fuzz_wrapper_real fuzz_wrapper_int32 fuzz_evaluate_row
+  fuzz_code_text"}
 for target in $targets; do
   work=build-clang/fuzz-corpus/$target
   mkdir -p "$work" build-clang/fuzz-findings

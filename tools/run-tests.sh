@@ -8,7 +8,7 @@
 set -e
 cd "$(dirname "$0")/.."
 tools/ensure-packages.sh cmake make g++ gcc binutils libgtest-dev libbenchmark-dev \
-  clang-14 libclang-rt-14-dev valgrind
+  clang-14 libclang-rt-14-dev valgrind pkgconf
 start=$(date +%s)
 lap() { echo "== $1 done after $(($(date +%s) - start)) s"; }
 

@@ -93,12 +93,9 @@ Record* wrap(std::vector<T>& buffer, Record* (*create)(T*, int32_T, int32_T)) {
   return create(buffer.data(), 1, static_cast<int32_T>(buffer.size()));
 }
 
-template <class Record>
-void release(Record* r) {
-  if (r->canFreeData) std::free(r->data);
-  std::free(r->size);
-  std::free(r);
-}
+// Records go back to the library that made them; the host's buffers stay.
+void release(RealArray* r) { QUENT_emxDestroyArray_real_T(r); }
+void release(Int32Array* r) { QUENT_emxDestroyArray_int32_T(r); }
 
 int32_T count(const RealArray* r) { return r->size[0] * r->size[1]; }
 
@@ -338,7 +335,7 @@ int main(int argc, char** argv) {
       for (int32_T i = 0; i < pointsPerCurve; ++i) used += mask->data[c * pointsPerCurve + i];
       std::printf("%-6s %10.4g %5.0f", curves[c].id.c_str(), conc[c], r[13]);
       if (!(r[12] > 0.0)) {
-        std::printf("  (no accepted fit)\n");
+        std::printf("  no accepted fit: %s\n", QUENT_dGtrend_codeText(r, stateCount));
         continue;
       }
       for (int t = 0; t < transitions; ++t) {

@@ -196,14 +196,9 @@ void runWith(const Memory& memory, Call call) {
   }).join();
 }
 
-// What a host does with a record it made or the library grew.
-template <class Record>
-void release(Record* a) {
-  if (a == nullptr) return;
-  if (a->canFreeData) std::free(a->data);
-  std::free(a->size);
-  std::free(a);
-}
+// What a host does with a record it made or the library grew: give it back.
+inline void release(RealArray* a) { QUENT_emxDestroyArray_real_T(a); }
+inline void release(Int32Array* a) { QUENT_emxDestroyArray_int32_T(a); }
 
 // Rows come whole: 24 columns each.
 inline void checkRows(const RealArray* rows) {

@@ -130,6 +130,15 @@ def main():
         ys = curves[0][2][:64]
         data = bytes([len(ys)]) + b"".join(picked(v) for v in ys) + bytes([0])
         write("fuzz_normalization", "curve%d" % i, data + picked(ys[0]) + picked(100.0))
+    # Rows of the golden files, fitted and failed, drawn on a grid and named.
+    for golden, states in (("plate.golden", 0), ("plate2.golden", 1), ("plate3.golden", 2),
+                           ("tank.golden", 1), ("plate_user.golden", 0)):
+        for i, row in enumerate(rows_of(golden)[:4]):
+            head = bytes([states]) + b"".join(picked(v) for v in row[:24]) + bytes([1])
+            grid = [8.0 * k / 39 for k in range(40)]
+            write("fuzz_evaluate_row", "%s_%d" % (golden.replace(".golden", ""), i),
+                  head + bytes([0, len(grid)]) + b"".join(picked(x) for x in grid) + bytes([0]))
+            write("fuzz_code_text", "%s_%d" % (golden.replace(".golden", ""), i), head)
     for target in ("fuzz_wrapper_real", "fuzz_wrapper_int32"):
         for rows, cols, wanted in ((1, 8, 5), (1, 4, 12), (-3, -3, 7), (0, 0, 3)):
             data = struct.pack("<ii", rows, cols) + bytes([wanted])
