@@ -26,7 +26,8 @@ static void makePlate(real_T *den, real_T *sig, real_T *conc) {
 }
 
 static int oneRound(const real_T *den, const real_T *sig, const real_T *conc) {
-    const int32_T allSize[2] = {1, kAll}, concSize[2] = {1, kCurves};
+    const int32_T allSize[2] = {1, kAll}, curveSize[2] = {1, kPoints};
+    const int32_T concSize[2] = {1, kCurves};
     const int32_T flagSize[2] = {1, kCurves}, rowSize[2] = {1, 24 * kCurves};
     real_T small[2], scaled[kPoints], summary[4], fitted[kPoints], fraction[kPoints];
     int32_T smallInt[2], scaledSize[2], flags[kCurves] = {1, 1, 1, 0, 1, 1};
@@ -43,7 +44,8 @@ static int oneRound(const real_T *den, const real_T *sig, const real_T *conc) {
     RealArray *curve = QUENT_emxCreateWrapper_real_T(small, 1, 2);
     RealArray *unused = QUENT_emxCreateWrapper_real_T(small, 1, 2);
 
-    QUENT_dGtrend_normalization(sig, allSize, 100.0, 1.0, scaled, scaledSize);
+    QUENT_dGtrend_normalization(sig, curveSize, 100.0, 1.0, scaled, scaledSize);
+    ok = ok && scaledSize[1] == kPoints;
     QUENT_dGtrend_primaryFit(kPoints, den, allSize, sig, allSize, conc, concSize, 2, 25.0, rows,
                              pointMask);
     ok = ok && rows->canFreeData && rows->size[1] == 24 * kCurves;

@@ -46,7 +46,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }
 #else
   const char* text = QUENT_dGtrend_codeText(noRow ? nullptr : row, stateCount);
-  if (text == nullptr || std::strlen(text) < 7) __builtin_trap();
+  if (text == nullptr || std::strlen(text) == 0) __builtin_trap();
 #endif
   return 0;
 }

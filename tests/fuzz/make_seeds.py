@@ -139,6 +139,9 @@ def main():
             write("fuzz_evaluate_row", "%s_%d" % (golden.replace(".golden", ""), i),
                   head + bytes([0, len(grid)]) + b"".join(picked(x) for x in grid) + bytes([0]))
             write("fuzz_code_text", "%s_%d" % (golden.replace(".golden", ""), i), head)
+    # Nothing at all: no row (the first case the code text target met).
+    write("fuzz_code_text", "nothing", b"")
+    write("fuzz_evaluate_row", "nothing", b"")
     for target in ("fuzz_wrapper_real", "fuzz_wrapper_int32"):
         for rows, cols, wanted in ((1, 8, 5), (1, 4, 12), (-3, -3, 7), (0, 0, 3)):
             data = struct.pack("<ii", rows, cols) + bytes([wanted])
