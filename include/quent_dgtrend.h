@@ -132,10 +132,11 @@ QUENT_API void QUENT_dGtrend_normalization(const real_T *values,
  *
  * Units.  Energies and RT are in cal/mol (RT = (temperatureC + 273.15) *
  * 1.9872).  Midpoints are in the host's denaturant unit; the library never
- * converts it, but its plausibility bounds assume molar: a transition is
- * taken only with an m value (dG / Cm) from 100 to 15000 cal/mol per unit
- * and a midpoint from 0 to the curve's largest denaturant value.  Signals
- * keep the host's unit.
+ * converts it, but its plausibility bounds assume molar: a fitted transition
+ * is taken only with an m value (dG / Cm) from 100 to 15000 cal/mol per
+ * unit and a midpoint from 0 to the curve's largest denaturant value.  (The
+ * m value of a returned row is the trend's, below, and is not tested
+ * again.)  Signals keep the host's unit.
  *
  * The fit row: 24 real_T per curve, curve c at columns 24 * c to 24 * c + 23
  * of fitRows.  Columns from 0, by family (stateCount 2: one transition, 3:
@@ -156,7 +157,8 @@ QUENT_API void QUENT_dGtrend_normalization(const real_T *values,
  *   11   0                 0                  amp2               (share, 0-1)
  *   12   RT (all three; cal/mol), -1 for a curve without a fit
  *   13   code (all three; see below)
- *   14   R squared of the fit on the points it kept (all three)
+ *   14   R squared of the returned parameters (energies from the trend,
+ *        below) on the points the fit kept (all three)
  *   15   e * dG            e * dG1            e * dG1            (cal/mol)
  *   16   0                 e * dG2            e * dG2            (cal/mol)
  *   17   0                 0                  e * dG3            (cal/mol)
@@ -200,42 +202,51 @@ QUENT_API void QUENT_dGtrend_normalization(const real_T *values,
  * Codes of returned rows (column 13; QUENT_dGtrend_codeText gives the text):
  *
  *   states  RT > 0 (fitted)                  RT -1 (no fit)
- *   2       2  held refit                    0  too few points (8), no
- *                                               reference fit, a refused
- *                                               call, or a failed refit
+ *   2       2  held refit                    0  too few points (8), a
+ *                                               failed call, a failed
+ *                                               refit, or left out by
+ *                                               the host
  *                                            12 rejected at the gates
- *   3       3  held refit (share held)       0  too few points (16), no
- *           6  free refit (share free)          reference fit, refused call
+ *   3       3  held refit (share held)       0  too few points (16), or a
+ *           6  free refit (share free)          failed call
  *                                            6  both refits failed
  *                                            12 rejected at the gates
  *                                            35 curve left out by the host
- *   4       4  held refit (shares held)      0  too few points (24), no
- *           5  free refit (shares free)         reference fit, refused call
+ *   4       4  held refit (shares held)      0  too few points (24), or a
+ *           5  free refit (shares free)         failed call
  *                                            5  both refits failed
  *                                            12 rejected at the gates
  *                                            35 curve left out by the host
+ * A failed call is one refused for its shapes, limits, temperature or
+ * memory, or one in which no fit of the plate's reference succeeded.
  *
  * Each curve is fitted for good from the plate's reference fit (the mean
- * curve of the highest concentration that fits), with the baseline slopes
- * held, and with two or three transitions the amplitude shares held too; the
- * free refit, shares fitted, is tried when the held one misses a plateau at
- * an end of the curve and stands only while it reaches both plateaus and
- * its shares stay within 0.1 (two transitions) or 0.07 (three) of the
- * reference's.  A curve left out by the host in the one-transition family
- * reads code 0.
+ * curve of the highest concentration whose fit has a native intercept above
+ * 0, or failing that the first single curve that fits, highest
+ * concentration first), with the baseline slopes held, and with two or
+ * three transitions the amplitude shares held too.  The free refit, shares
+ * fitted, is tried when the held one misses a plateau at an end of the
+ * curve; it stands when it reaches both plateaus and its shares stay within
+ * 0.1 (two transitions) or 0.07 (three) of the reference's; otherwise the
+ * held refit is returned if it succeeded, and the free one as it came out
+ * if not.  When no mean curve of the plate kept enough points the refits
+ * start from nothing and fail (code 6 or 5).  A curve left out by the host
+ * in the one-transition family reads code 0.
  *
- * Strategy exit codes.  Inside a fit, the reference fit and the fits that
- * decide each curve's point mask are found by a strategy that numbers its
- * exits; those rows are not returned, but their numbers are these (a
- * "ladder" lowers an R squared threshold over fixed start attempts):
+ * Strategy exit codes.  Inside a fit, the reference fit is found by a
+ * strategy that numbers its exits, and the refits that decide each curve's
+ * point mask carry their round (1 to 5 held, 6 to 10 free).  None of these
+ * rows is returned; the strategies' numbers are these (a "ladder" lowers an
+ * R squared threshold over fixed start attempts):
  *   one transition (1 to 64): 1 input refused (sizes, under 8 or over 384
  *     points, temperature, mask); 2 both baselines held; 3, 4 first good
  *     attempt with the native, the unfolded baseline given; 5-22 pair
  *     ladder; 23-31 first-pass ladder; 32 no signal change or first and
- *     last x equal; 33 no attempt with R squared of 0 or above; 34 ladders
- *     exhausted; 35-39 the retry without one end point (35 no change, 36
- *     equal ends, 37 no R squared, 38 both baselines held: its only fit, 39
- *     nothing passed); 40-64 the retry without both end points (40-42 as
+ *     last x equal; 33 no attempt with R squared of 0 or above; 34
+ *     first-pass ladder exhausted; 35-39 the retry without one end point (35
+ *     no change, 36 equal ends, 37 no R squared, 38 both baselines held:
+ *     its only fitted exit, or a failure there, 39 no baseline, or an
+ *     attempt below 0.99); 40-64 the retry without both end points (40-42 as
  *     35-37, 43-45 as 2-4, 46-63 pair ladder, 64 nothing passed).
  *   two transitions (1 to 62): as one transition with 16 points in place
  *     of 8; 5-20 pair ladder, 21-31 first-pass ladder, 46-61 pair ladder of
@@ -270,11 +281,12 @@ QUENT_API void QUENT_dGtrend_normalization(const real_T *values,
  * (24 values, as a fitting function returned them) read as the family of
  * stateCount (3: two transitions, 4: three, any other value: one; give the
  * stateCount of the fit).  Evaluated at the points a fit kept, the signal
- * reproduces column 14 (R squared) bit for bit.  A row without a fit
- * (column 12 not above 0) or a null fitRow gives NaN.  signal and
- * unfoldedFraction are host buffers of pointCount entries, either may be
- * null, and neither may overlap denaturant.  With a null denaturant or
- * pointCount below 1 nothing is written.  Any number of points, any order.
+ * is bit for bit the model from which column 14 (R squared) was computed.
+ * A row without a fit (column 12 not above 0) or a null fitRow gives NaN.
+ * signal and unfoldedFraction are host buffers of pointCount entries,
+ * either may be null, and neither may overlap denaturant.  With a null
+ * denaturant or pointCount below 1 nothing is written.  Any number of
+ * points, any order.
  */
 QUENT_API void QUENT_dGtrend_evaluateRow(const real_T *fitRow,
                                          int32_T stateCount,
@@ -299,8 +311,8 @@ QUENT_API const char *QUENT_dGtrend_codeText(const real_T *fitRow,
  * (0 to 100).
  *  - denaturant, signal: all curves one after the other, pointsPerCurve
  *    points each; the curve count is their length over pointsPerCurve,
- *    rounded.  sampleConc: one concentration per curve, above 0, equal
- *    concentrations next to each other.
+ *    rounded.  sampleConc: one concentration per curve, above 0; curves
+ *    of one concentration need not be adjacent.
  *  - fitRows: host record, resized by the library to 1-by-(24 * curves): one
  *    24-column row per curve, column 12 (RT) at -1 where no fit was accepted.
  *  - pointMask: host record, resized by the library to
@@ -319,13 +331,14 @@ QUENT_API const char *QUENT_dGtrend_codeText(const real_T *fitRow,
  * Untidy data, within those limits:
  *  - NaN in a curve's denaturant or signal, or an infinite denaturant, fails
  *    that curve's row (code 0); a lone infinite signal is masked as a spike.
- *  - Curves of 385 to 2304 points are taken; their rows fail (code 0).
+ *  - Curves of 385 to 2304 points are taken; their rows fail (code 0, or
+ *    6 or 5 for two or three transitions).
  *  - Denaturant must ascend within each curve: a descending curve fails
  *    (code 0).  A plate whose signals are all below 0 fails every row (code
  *    0); flip the sign first.
  *  - One concentration of 0, below 0 or NaN turns the trend over
  *    ln(concentration) into NaN: every fitted row of the plate then fails the
- *    gates (code 12).  Curves of one concentration need not be adjacent.
+ *    gates (code 12).
  *  - A temperature below 0 or above 100 (or NaN) fails every row (code 0).
  *  - An n-by-1 vector is its first entry by the stride rule, so the curve
  *    counts disagree.

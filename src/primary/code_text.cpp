@@ -34,21 +34,24 @@ constexpr CodeText kTexts[] = {
      "fitted: three transitions, amplitude shares fitted freely, since the fit with the "
      "shares held missed a plateau at an end of the curve"},
     {1, false, 0.0,
-     "not fitted: the curve kept fewer than 8 points, no fit of the plate's reference "
-     "succeeded, the call was refused (shapes, limits, temperature, memory), or the refit "
-     "found no transition of plausible shape (a flat or badly shaped curve)"},
+     "not fitted: the curve kept fewer than 8 points, the host left it out, the call failed "
+     "(refused for its shapes, limits, temperature or memory, or no fit of the plate's "
+     "reference succeeded), or the refit found no transition of plausible shape that "
+     "explained the kept points (a flat or badly shaped curve)"},
     {2, false, 0.0,
-     "not fitted: the curve kept fewer than 16 points, no fit of the plate's reference "
-     "succeeded, or the call was refused (shapes, limits, temperature, memory)"},
+     "not fitted: the curve kept fewer than 16 points, or the call failed (refused for its "
+     "shapes, limits, temperature or memory, or no fit of the plate's reference succeeded)"},
     {3, false, 0.0,
-     "not fitted: the curve kept fewer than 24 points, no fit of the plate's reference "
-     "succeeded, or the call was refused (shapes, limits, temperature, memory)"},
+     "not fitted: the curve kept fewer than 24 points, or the call failed (refused for its "
+     "shapes, limits, temperature or memory, or no fit of the plate's reference succeeded)"},
     {2, false, Family<2>::kFreeRefitCode,
-     "not fitted: both refits found no two transitions of plausible shape (a flat or badly "
-     "shaped curve, or one without a second transition)"},
+     "not fitted: both refits found no two transitions of plausible shape that explained the "
+     "kept points (a flat or badly shaped curve, or one without a second transition), or no "
+     "mean curve of the plate kept enough points to start them from"},
     {3, false, Family<3>::kFreeRefitCode,
-     "not fitted: both refits found no three transitions of plausible shape (a flat or "
-     "badly shaped curve, or one with fewer transitions)"},
+     "not fitted: both refits found no three transitions of plausible shape that explained "
+     "the kept points (a flat or badly shaped curve, or one with fewer transitions), or no "
+     "mean curve of the plate kept enough points to start them from"},
     {0, false, kRejectedCode,
      "rejected at the quality gates once the trend over concentration set the energies: R "
      "squared below 0.95, a negative free energy, or an uncertainty of dG1 above a quarter "
