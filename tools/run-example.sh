@@ -1,9 +1,12 @@
 #!/bin/sh
-# Builds the library and the example host, and fits the bundled plate:
-# per-curve results, the trend over sample concentration and its fractions.
+# Builds the library and fits the bundled plate with the command-line tool:
+# per-curve results, the trend over sample concentration, and a results
+# table in build/results.csv.
 set -e
 cd "$(dirname "$0")/.."
-tools/ensure-packages.sh cmake make g++ gcc binutils libgtest-dev libbenchmark-dev
+tools/ensure-packages.sh cmake make g++ gcc binutils libgtest-dev libbenchmark-dev \
+  python3-numpy python3-pandas
 cmake -S . -B build -DCMAKE_BUILD_TYPE=RelWithDebInfo
-cmake --build build -j 2 --target fit_plate
-build/examples/fit_plate examples/data/plate.csv
+cmake --build build -j 2 --target QuentDGtrendFittingEngine
+cd python
+/usr/bin/python3 -m quent_dgtrend fit ../examples/data/plate.csv --out ../build/results.csv

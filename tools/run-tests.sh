@@ -1,14 +1,15 @@
 #!/bin/sh
 # Builds the library and runs every test, in three builds:
-#  1. g++: unit, golden-file and C host tests, the fuzz seeds replayed, and
-#     valgrind memcheck of the example host over every bundled data set;
+#  1. g++: unit, golden-file and C host tests, the fuzz seeds replayed,
+#     valgrind memcheck of the hosts, the installed tree, and the Python
+#     package's tests;
 #  2. clang with AddressSanitizer and UndefinedBehaviorSanitizer: the same
 #     tests again, then a few seconds of every fuzz target;
 #  3. the thread sanitizer: fits on several threads at once.
 set -e
 cd "$(dirname "$0")/.."
 tools/ensure-packages.sh cmake make g++ gcc binutils libgtest-dev libbenchmark-dev \
-  clang-14 libclang-rt-14-dev valgrind pkgconf
+  clang-14 libclang-rt-14-dev valgrind pkgconf python3-numpy python3-pandas python3-pytest
 start=$(date +%s)
 lap() { echo "== $1 done after $(($(date +%s) - start)) s"; }
 
@@ -16,7 +17,9 @@ cmake -S . -B build -DCMAKE_BUILD_TYPE=RelWithDebInfo -DQUENT_TEST_SANITIZERS=OF
   -DQUENT_BUILD_FUZZ=ON
 cmake --build build -j 2
 ctest --test-dir build -j 2 --output-on-failure --timeout 300
-lap "g++ build and tests"
+# The Python package, on the library just built (Debian's Python and packages).
+/usr/bin/python3 -m pytest -q -p no:cacheprovider tests/python
+lap "g++ build and tests, Python tests"
 
 CC=clang-14 CXX=clang++-14 cmake -S . -B build-clang -DCMAKE_BUILD_TYPE=RelWithDebInfo \
   -DQUENT_SANITIZE=ON -DQUENT_BUILD_FUZZ=ON -DQUENT_BUILD_BENCHMARKS=OFF

@@ -1,0 +1,19 @@
+"""Fits chemical denaturation curves with one-, two- or three-transition
+unfolding models and reduces the free energies to a trend over sample
+concentration, through the QuentDGtrendFittingEngine library.
+
+    import quent_dgtrend as qd
+    curves = qd.read_curves("plate.csv")
+    plates, notices = qd.plan_calls(curves)
+    fit = qd.fit_plate(plates[0], states=2, temperature=25.0)
+    print(fit.table())
+    print(qd.trend(fit).slope)
+"""
+from ._native import LibraryNotFound
+from .data import Curve, DataError, Plate, plan_calls, read_curves, tidy
+from .fit import (CurveFit, PlateFit, Trend, code_text, evaluate_row, fit_plate, refit_plate,
+                  trend, version)
+
+__all__ = ["Curve", "CurveFit", "DataError", "LibraryNotFound", "Plate", "PlateFit", "Trend",
+           "code_text", "evaluate_row", "fit_plate", "plan_calls", "read_curves", "refit_plate",
+           "tidy", "trend", "version"]

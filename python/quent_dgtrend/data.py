@@ -1,0 +1,181 @@
+"""Curves as scientists' files hold them, and what must be done to them
+before the library sees them.  Every change to the data is announced in a
+notice that the caller prints; nothing is changed silently."""
+import csv
+import io
+import re
+from dataclasses import dataclass
+from pathlib import Path
+
+import numpy as np
+
+MAX_FIT_POINTS = 384   # points of a curve a fit takes
+MAX_CURVES = 96        # curves of one call
+
+
+class DataError(ValueError):
+    """A file or a set of curves the library cannot take; the message is one
+    line naming the file, the line and the problem where there is one."""
+
+
+@dataclass
+class Curve:
+    name: str
+    sample_conc: float
+    denaturant: np.ndarray
+    signal: np.ndarray
+
+
+@dataclass
+class Plate:
+    """Curves of equal length fitted in one call."""
+    curves: list
+
+    @property
+    def points_per_curve(self):
+        return len(self.curves[0].denaturant) if self.curves else 0
+
+
+# ---- Reading ---------------------------------------------------------------
+
+LONG_COLUMNS = ("curve", "sample_conc", "denaturant", "signal")
+
+
+def _number(text, where):
+    text = text.strip()
+    if text == "" or text.lower() in ("nan", "na", "n/a", "-"):
+        return float("nan")
+    try:
+        return float(text)
+    except ValueError:
+        raise DataError(f"{where}: '{text}' is not a number") from None
+
+
+def _dialect(text):
+    """The delimiter and decimal mark of a table: comma, semicolon or tab;
+    a comma decimal mark goes with a semicolon or a tab."""
+    first = [line for line in text.splitlines()[:5] if line.strip()]
+    counts = {d: min(line.count(d) for line in first) for d in (",", ";", "\t")} if first else {}
+    for delimiter in ("\t", ";"):
+        if counts.get(delimiter, 0) > 0:
+            return delimiter, "," if re.search(r"\d,\d", text) else "."
+    return ",", "."
+
+
+def read_table(path):
+    """(header, rows of numbers, line numbers) of a delimited text file."""
+    path = Path(path)
+    try:
+        text = path.read_text(encoding="utf-8-sig")
+    except (OSError, UnicodeDecodeError) as error:
+        raise DataError(f"{path}: cannot be read ({error})") from None
+    delimiter, decimal = _dialect(text)
+    rows, lines, header = [], [], None
+    for number, cells in enumerate(csv.reader(io.StringIO(text), delimiter=delimiter), start=1):
+        if not any(cell.strip() for cell in cells):
+            continue
+        if header is None:
+            header = [cell.strip() for cell in cells]
+            continue
+        if len(cells) != len(header):
+            raise DataError(f"{path}:{number}: {len(cells)} fields where the header has "
+                            f"{len(header)}")
+        if decimal == ",":
+            cells = [cell.replace(",", ".") for cell in cells]
+        rows.append(cells)
+        lines.append(number)
+    if header is None or not rows:
+        raise DataError(f"{path}: no data")
+    return header, rows, lines
+
+
+def read_curves(path, sample_conc=1.0):
+    """The curves of a file: the long form (curve, sample_conc, denaturant,
+    signal) or a single curve in two columns (denaturant, signal), whose
+    sample concentration is `sample_conc`."""
+    path = Path(path)
+    header, rows, lines = read_table(path)
+    names = [h.lower() for h in header]
+    if all(c in names for c in LONG_COLUMNS):
+        at = {c: names.index(c) for c in LONG_COLUMNS}
+        order, points = [], {}
+        for cells, line in zip(rows, lines):
+            where = f"{path}:{line}"
+            name = cells[at["curve"]].strip()
+            conc = _number(cells[at["sample_conc"]], where)
+            key = name
+            if key not in points:
+                order.append(key)
+                points[key] = (conc, [], [])
+            elif not (points[key][0] == conc or (np.isnan(conc) and np.isnan(points[key][0]))):
+                raise DataError(f"{where}: curve {name} changes its sample_conc")
+            points[key][1].append(_number(cells[at["denaturant"]], where))
+            points[key][2].append(_number(cells[at["signal"]], where))
+        return [Curve(k, points[k][0], np.array(points[k][1]), np.array(points[k][2]))
+                for k in order]
+    if len(header) == 2:
+        x = [_number(cells[0], f"{path}:{line}") for cells, line in zip(rows, lines)]
+        y = [_number(cells[1], f"{path}:{line}") for cells, line in zip(rows, lines)]
+        return [Curve(path.stem, float(sample_conc), np.array(x), np.array(y))]
+    raise DataError(f"{path}:1: expected the columns {', '.join(LONG_COLUMNS)}, or two columns "
+                    f"(denaturant, signal); found {', '.join(header)}")
+
+
+# ---- Hygiene ----------------------------------------------------------------
+
+def tidy(curve):
+    """(curve, notices): missing values dropped, points sorted by denaturant,
+    a negative signal flipped and one crossing zero lifted above it, since
+    the library counts non-positive averages as missing points."""
+    notices = []
+    x, y = curve.denaturant.astype(float), curve.signal.astype(float)
+    keep = np.isfinite(x) & np.isfinite(y)
+    if not keep.all():
+        notices.append(f"curve {curve.name}: {int((~keep).sum())} point(s) with a missing or "
+                       "non-finite value dropped")
+        x, y = x[keep], y[keep]
+    if len(x) > 1 and np.any(np.diff(x) < 0):
+        order = np.argsort(x, kind="stable")
+        x, y = x[order], y[order]
+        notices.append(f"curve {curve.name}: points sorted by ascending denaturant")
+    if len(y) and np.all(y < 0):
+        y = -y
+        notices.append(f"curve {curve.name}: every signal is negative (CD?); the sign is "
+                       "flipped for fitting")
+    elif len(y) and np.any(y <= 0):
+        offset = 1.0 - float(np.min(y))
+        y = y + offset
+        notices.append(f"curve {curve.name}: the signal crosses zero; {offset:.6g} is added to "
+                       "every value so that all are above 0 (baselines shift by it, energies "
+                       "and midpoints do not)")
+    return Curve(curve.name, curve.sample_conc, x, y), notices
+
+
+def plan_calls(curves):
+    """(plates, notices): the calls that fit these curves.  Curves of unequal
+    length, or longer than a fit takes, are refused with a DataError that
+    names them; replicate curves at a single concentration are fitted one
+    call per curve, since the trend over concentration needs two."""
+    notices = []
+    tidied = []
+    for curve in curves:
+        t, said = tidy(curve)
+        tidied.append(t)
+        notices += said
+    long = [c for c in tidied if len(c.denaturant) > MAX_FIT_POINTS]
+    if long:
+        raise DataError("curves longer than the %d points a fit takes: %s" % (
+            MAX_FIT_POINTS, ", ".join(f"{c.name} ({len(c.denaturant)})" for c in long)))
+    lengths = {len(c.denaturant) for c in tidied}
+    if len(lengths) > 1:
+        raise DataError("curves of one call must have equal length: " + ", ".join(
+            f"{c.name} has {len(c.denaturant)}" for c in tidied))
+    if len(tidied) > MAX_CURVES:
+        raise DataError(f"{len(tidied)} curves: a call takes at most {MAX_CURVES}; split them "
+                        "into files of whole concentrations")
+    concs = {c.sample_conc for c in tidied}
+    if len(tidied) > 1 and len(concs) == 1:
+        notices.append(f"all {len(tidied)} curves share one sample concentration: each is "
+                       "fitted on its own, since the trend over concentration needs two")
+        return [Plate([c]) for c in tidied], notices
+    return [Plate(tidied)], notices

@@ -1,0 +1,92 @@
+"""What the package changes in measured data before the library sees it,
+each change announced, and what it refuses, with the reason."""
+from pathlib import Path
+
+import numpy as np
+import pytest
+
+import quent_dgtrend as qd
+
+DATA = Path(__file__).resolve().parents[2] / "examples" / "data"
+
+
+def fitted(path, states=2, conc=1.0):
+    """(notices, fits) of every call a file makes."""
+    plates, notices = qd.plan_calls(qd.read_curves(DATA / path, sample_conc=conc))
+    return notices, [c for p in plates for c in qd.fit_plate(p, states=states).curves]
+
+
+def test_gankyrin_cd_signal_is_flipped():
+    notices, fits = fitted("gankyrin/GankyrinEquilmDenaturationCurve.csv")
+    assert len(notices) == 1 and "every signal is negative" in notices[0]
+    assert fits[0].accepted and fits[0].signal.min() > 0
+
+
+def test_tank_descending_denaturant_is_sorted():
+    notices, fits = fitted("tank/tANK_equilmFluorscence.csv", states=3)
+    assert notices == ["curve tANK_equilmFluorscence: points sorted by ascending denaturant"]
+    assert fits[0].accepted and np.all(np.diff(fits[0].denaturant) >= 0)
+
+
+@pytest.mark.parametrize("name,lifted", [("CI2_WT_Equilm", True), ("CI2_VA38_Equilm", True),
+                                         ("CI2_VA66_Equilm", False)])
+def test_ci2_fractions_crossing_zero_are_lifted(name, lifted):
+    notices, fits = fitted(f"ci2/{name}.csv")
+    assert any("sorted" in n for n in notices)
+    assert any("crosses zero" in n for n in notices) == lifted
+    assert fits[0].accepted and fits[0].signal.min() > 0
+
+
+def test_fkbp12_missing_values_are_dropped_and_fractions_lifted():
+    notices, fits = fitted("fkbp12/Equilm_FKBP12.csv")
+    assert "21 point(s) with a missing or non-finite value dropped" in notices[0]
+    assert "crosses zero" in notices[1]
+    assert fits[0].accepted and len(fits[0].denaturant) == 41
+
+
+def test_lcrh_each_file_fits_alone_and_every_rejection_says_why():
+    for path in sorted((DATA / "lcrh").glob("*.csv")):
+        notices, fits = fitted(path, conc=50.0)
+        assert "sign is flipped" in notices[0]
+        assert fits[0].accepted or "quality gates" in fits[0].code_text
+
+
+def test_unequal_lengths_and_long_curves_are_refused_by_name():
+    short = qd.Curve("a", 1.0, np.linspace(0, 8, 20), np.linspace(1, 2, 20))
+    other = qd.Curve("b", 2.0, np.linspace(0, 8, 25), np.linspace(1, 2, 25))
+    with pytest.raises(qd.DataError, match="a has 20, b has 25"):
+        qd.plan_calls([short, other])
+    long = qd.Curve("c", 1.0, np.linspace(0, 8, 385), np.linspace(1, 2, 385))
+    with pytest.raises(qd.DataError, match=r"384 points a fit takes: c \(385\)"):
+        qd.plan_calls([long])
+
+
+def test_replicates_at_one_concentration_are_fitted_one_by_one():
+    plate = qd.plan_calls(qd.read_curves(DATA / "plate.csv"))[0][0]
+    replicates = [c for c in plate.curves if c.sample_conc == 0.5]
+    plates, notices = qd.plan_calls(replicates)
+    assert len(plates) == 4 and all(len(p.curves) == 1 for p in plates)
+    assert notices == ["all 4 curves share one sample concentration: each is fitted on its "
+                       "own, since the trend over concentration needs two"]
+    assert all(qd.fit_plate(p).curves[0].accepted for p in plates)
+
+
+def test_reader_dialects_and_errors(tmp_path):
+    semicolon = tmp_path / "curve.csv"
+    semicolon.write_text("urea;signal\n0,5;10,25\n1,0;11,5\n")
+    curve = qd.read_curves(semicolon, sample_conc=2.0)[0]
+    assert curve.sample_conc == 2.0 and list(curve.denaturant) == [0.5, 1.0]
+    assert list(curve.signal) == [10.25, 11.5]
+    tab = tmp_path / "long.tsv"
+    tab.write_text("curve\tsample_conc\tdenaturant\tsignal\nA\t1\t0\t5\nA\t1\t1\t6\nB\t2\t0\t5\n")
+    assert [c.name for c in qd.read_curves(tab)] == ["A", "B"]
+    for text, message in [("x,y\n1,2\n3,oops\n", r"bad.csv:3: 'oops' is not a number"),
+                          ("x,y\n1,2\n3,4,5\n", r"bad.csv:3: 3 fields where the header has 2"),
+                          ("a,b,c\n1,2,3\n", r"bad.csv:1: expected the columns"),
+                          ("x,y\n", r"bad.csv: no data"),
+                          ("curve,sample_conc,denaturant,signal\nA,1,0,5\nA,2,1,6\n",
+                           r"bad.csv:3: curve A changes its sample_conc")]:
+        bad = tmp_path / "bad.csv"
+        bad.write_text(text)
+        with pytest.raises(qd.DataError, match=message):
+            qd.read_curves(bad)
