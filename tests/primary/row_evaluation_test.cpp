@@ -121,6 +121,14 @@ TEST(EvaluateRow, FractionTakesAnyNumberOfPoints) {
   }
   EXPECT_GT(fraction[0], 0.99);  // descending denaturant is fine
   EXPECT_LT(fraction[999], 0.01);
+  // Three transitions read their points one by one too.
+  const real_T three[24] = {1, 0, 5, 0, 4000, 2, 8000, 4, 0.3, 12000, 6, 0.3, 592.4836799999999, 4};
+  QUENT_dGtrend_evaluateRow(three, 4, x.data(), 1000, nullptr, fraction.data());
+  for (const int i : {1, 500, 998}) {
+    real_T alone;
+    QUENT_dGtrend_evaluateRow(three, 4, &x[i], 1, nullptr, &alone);
+    EXPECT_TRUE(sameBits(fraction[i], alone)) << i;
+  }
 }
 
 }  // namespace
