@@ -61,6 +61,7 @@ TEST(CodeText, ColumnTwelveAndStateCountAsTheFitsReadThem) {
   EXPECT_EQ(textOf(3, 0.0, 6), textOf(3, -1.0, 6));
   EXPECT_EQ(textOf(3, std::nan(""), 6), textOf(3, -1.0, 6));
   EXPECT_EQ(textOf(7, 600.0, 2), textOf(2, 600.0, 2));
+  EXPECT_EQ(textOf(2, 1e-300, 2), textOf(2, 600.0, 2));  // any RT above 0 is a fit
   EXPECT_EQ(textOf(-3, -1.0, 0), textOf(2, -1.0, 0));
   EXPECT_STREQ(QUENT_dGtrend_codeText(nullptr, 3), "no row");
   // The same text every time: the host may keep the pointer.

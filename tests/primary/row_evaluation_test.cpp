@@ -88,9 +88,9 @@ TEST(EvaluateRow, StateCountPicksTheFamily) {
 }
 
 TEST(EvaluateRow, RowsWithoutAFitAndEmptyRequests) {
-  real_T failed[24] = {};
-  failed[12] = -1.0;
-  failed[13] = 12.0;
+  // The parameters of a fit, but column 12 says there is none.
+  real_T failed[24];
+  std::copy_n(kOneRow, 24, failed);
   const real_T x[3] = {0.0, 1.0, 2.0};
   real_T signal[3] = {7, 7, 7}, fraction[3] = {7, 7, 7};
   for (const real_T rt : {-1.0, 0.0, std::nan("")}) {
