@@ -3,9 +3,11 @@ import argparse
 import os
 import sys
 import tempfile
+from concurrent.futures import ProcessPoolExecutor
+from pathlib import Path
 
-from .data import DataError, plan_calls, read_curves
-from .fit import fit_plate, transitions_of, trend
+from .batch import Options, fit_sets
+from .data import DataError, read_curves
 
 DESCRIPTION = """\
 Fit chemical denaturation curves and reduce their free energies to a trend
@@ -14,8 +16,26 @@ over sample concentration.
 DATA files are CSV (comma, semicolon or tab; decimal commas accepted):
 either the long form with the columns curve, sample_conc, denaturant,
 signal, or one curve in two columns (denaturant, signal) whose sample
-concentration is --conc.  Every change made to the data (sorting, sign
-flips, offsets, dropped points) is printed as a note."""
+concentration --conc gives.  Each file is fitted on its own unless --pool
+puts all curves into one fit.  Every change made to the data (sorting, sign
+flips, offsets, dropped points, resampling) is printed as a note.
+
+example: python3 -m quent_dgtrend fit lcrh/*.csv --conc 50,50,80,80 --pool --resample"""
+
+
+def _exclusion(text):
+    """CURVE or CURVE:POINTS, POINTS as 0-2,5 (0-based, in ascending denaturant)."""
+    name, _, points = text.rpartition(":") if ":" in text else (text, "", "")
+    if not points:
+        return (name, None)
+    chosen = []
+    try:
+        for part in points.split(","):
+            first, _, last = part.partition("-")
+            chosen += list(range(int(first), int(last or first) + 1))
+    except ValueError:
+        raise argparse.ArgumentTypeError(f"'{text}': points are like 0-2,5") from None
+    return (name, chosen)
 
 
 def _parser():
@@ -31,8 +51,22 @@ def _parser():
                           "one intermediate; 4: three transitions (default 2)")
     fit.add_argument("--temperature", type=float, default=25.0, metavar="C",
                      help="temperature in degrees Celsius, 0 to 100 (default 25)")
-    fit.add_argument("--conc", type=float, default=1.0, metavar="C",
-                     help="sample concentration of a two-column curve (default 1)")
+    fit.add_argument("--conc", default="1", metavar="C[,C...]",
+                     help="sample concentration of two-column curves: one value for all, or "
+                          "one per file in order (default 1)")
+    fit.add_argument("--pool", action="store_true",
+                     help="fit the curves of all files together, as one set")
+    fit.add_argument("--resample", action="store_true",
+                     help="put curves of unequal length on one grid (linear interpolation "
+                          "over the range they share) instead of refusing them")
+    fit.add_argument("--thin", action="store_true",
+                     help="thin curves longer than the 384 points a fit takes")
+    fit.add_argument("--exclude", action="append", type=_exclusion, default=[],
+                     metavar="CURVE[:POINTS]",
+                     help="refit without this curve, or without these points of it (0-based "
+                          "in ascending denaturant, like 0-2,5); may be repeated")
+    fit.add_argument("--jobs", type=int, default=1, metavar="N",
+                     help="fit N sets at once in separate processes (default 1)")
     fit.add_argument("--out", metavar="FILE",
                      help="write the results table (one row per curve) to this CSV file")
     return parser
@@ -51,46 +85,52 @@ def _write_atomically(frame, path):
         raise
 
 
-def _fit_file(path, args, out):
-    import pandas as pd
-    curves = read_curves(path, sample_conc=args.conc)
-    plates, notices = plan_calls(curves)
-    for notice in notices:
-        print(f"note: {path}: {notice}", file=out)
-    tables = []
-    for plate in plates:
-        fit = fit_plate(plate, states=args.states, temperature=args.temperature)
-        table = fit.table()
-        table.insert(0, "file", str(path))
-        tables.append(table)
-        for curve in fit.curves:
-            if curve.accepted:
-                values = ", ".join(f"dG{t + 1} {g:.1f} cal/mol, Cm{t + 1} {c:.4g}"
-                                   for t, (g, c) in enumerate(zip(curve.dG, curve.Cm)))
-                print(f"{path}: curve {curve.name}: {values}, R2 {curve.r_squared:.5f}, "
-                      f"{curve.kept_points} of {len(curve.point_mask)} points kept", file=out)
-            else:
-                print(f"{path}: curve {curve.name}: no accepted fit (code {curve.code}: "
-                      f"{curve.code_text})", file=out)
-        if len({c.sample_conc for c in plate.curves}) > 1:
-            for t in range(1, transitions_of(args.states) + 1):
-                line = trend(fit, transition=t)
-                print(f"{path}: trend of dG{t} over ln(sample_conc): slope {line.slope:.2f}, "
-                      f"intercept {line.intercept:.2f} cal/mol, R2 {line.r_squared:.4f}",
-                      file=out)
-    return pd.concat(tables, ignore_index=True)
+def _sets(args):
+    concs = [float(c) for c in args.conc.split(",")]
+    if len(concs) not in (1, len(args.data)):
+        raise DataError(f"--conc gives {len(concs)} values for {len(args.data)} files")
+    per_file = []
+    for k, path in enumerate(args.data):
+        curves = read_curves(path, sample_conc=concs[k if len(concs) > 1 else 0])
+        per_file.append((str(path), curves))
+    if not args.pool:
+        return per_file
+    pooled = []
+    for path, curves in per_file:
+        for c in curves:
+            if any(c.name == p.name for p in pooled):
+                c.name = f"{Path(path).stem}:{c.name}"
+            pooled.append(c)
+    return [(f"pool of {len(per_file)} files", pooled)]
 
 
 def main(argv=None, out=None):
     out = sys.stdout if out is None else out
     args = _parser().parse_args(argv)
-    import pandas as pd
+    options = Options(args.states, args.temperature, args.resample, args.thin, args.exclude)
     try:
-        tables = [_fit_file(path, args, out) for path in args.data]
+        sets = _sets(args)
     except DataError as error:
         print(f"error: {error}", file=sys.stderr)
         return 1
+    if args.jobs > 1:
+        with ProcessPoolExecutor(max_workers=args.jobs) as pool:
+            results = fit_sets(sets, options, pool, progress=True)
+    else:
+        results = fit_sets(sets, options, progress=True)
+    failed = False
+    for r in results:
+        for notice in r.notices:
+            print(f"note: {r.label}: {notice}", file=out)
+        for line in r.lines:
+            print(f"{r.label}: {line}", file=out)
+        if r.error:
+            print(f"error: {r.label}: {r.error}", file=sys.stderr)
+            failed = True
+    if failed:
+        return 1
     if args.out:
-        _write_atomically(pd.concat(tables, ignore_index=True), args.out)
+        import pandas as pd
+        _write_atomically(pd.concat([r.table for r in results], ignore_index=True), args.out)
         print(f"results written to {args.out}", file=out)
     return 0

@@ -151,11 +151,37 @@ def tidy(curve):
     return Curve(curve.name, curve.sample_conc, x, y), notices
 
 
-def plan_calls(curves):
+def thin(curve, points=MAX_FIT_POINTS):
+    """The curve at `points` evenly spaced of its points, first and last kept."""
+    keep = np.unique(np.round(np.linspace(0, len(curve.denaturant) - 1, points)).astype(int))
+    return Curve(curve.name, curve.sample_conc, curve.denaturant[keep], curve.signal[keep])
+
+
+def resample(curves):
+    """(curves, notice): every curve interpolated linearly onto one grid over
+    the denaturant range they share, with as many points as the longest
+    (at most the points a fit takes)."""
+    low = max(float(c.denaturant[0]) for c in curves)
+    high = min(float(c.denaturant[-1]) for c in curves)
+    if not high > low:
+        raise DataError("the curves share no denaturant range to resample on: " + ", ".join(
+            f"{c.name} {c.denaturant[0]:g} to {c.denaturant[-1]:g}" for c in curves))
+    n = min(max(len(c.denaturant) for c in curves), MAX_FIT_POINTS)
+    grid = np.linspace(low, high, n)
+    notice = (f"curves of unequal length put on one grid of {n} points from {low:g} to "
+              f"{high:g} by linear interpolation: " +
+              ", ".join(f"{c.name} ({len(c.denaturant)} points)" for c in curves))
+    return [Curve(c.name, c.sample_conc, grid, np.interp(grid, c.denaturant, c.signal))
+            for c in curves], notice
+
+
+def plan_calls(curves, resample_unequal=False, thin_long=False):
     """(plates, notices): the calls that fit these curves.  Curves of unequal
-    length, or longer than a fit takes, are refused with a DataError that
-    names them; replicate curves at a single concentration are fitted one
-    call per curve, since the trend over concentration needs two."""
+    length are refused with a DataError that names them, or put on a common
+    grid with `resample_unequal`; curves longer than a fit takes are refused,
+    or thinned with `thin_long`.  Replicate curves at a single concentration
+    are fitted one call per curve, since the trend over concentration needs
+    two."""
     notices = []
     tidied = []
     for curve in curves:
@@ -163,13 +189,23 @@ def plan_calls(curves):
         tidied.append(t)
         notices += said
     long = [c for c in tidied if len(c.denaturant) > MAX_FIT_POINTS]
-    if long:
-        raise DataError("curves longer than the %d points a fit takes: %s" % (
-            MAX_FIT_POINTS, ", ".join(f"{c.name} ({len(c.denaturant)})" for c in long)))
+    if long and thin_long:
+        for c in long:
+            notices.append(f"curve {c.name}: {len(c.denaturant)} points thinned to "
+                           f"{MAX_FIT_POINTS}, evenly spaced, the ends kept")
+        tidied = [thin(c) if len(c.denaturant) > MAX_FIT_POINTS else c for c in tidied]
+    elif long:
+        raise DataError("curves longer than the %d points a fit takes: %s (thin them with "
+                        "--thin)" % (MAX_FIT_POINTS, ", ".join(
+                            f"{c.name} ({len(c.denaturant)})" for c in long)))
     lengths = {len(c.denaturant) for c in tidied}
-    if len(lengths) > 1:
+    if len(lengths) > 1 and resample_unequal:
+        tidied, notice = resample(tidied)
+        notices.append(notice)
+    elif len(lengths) > 1:
         raise DataError("curves of one call must have equal length: " + ", ".join(
-            f"{c.name} has {len(c.denaturant)}" for c in tidied))
+            f"{c.name} has {len(c.denaturant)}" for c in tidied) +
+            " (put them on one grid with --resample)")
     if len(tidied) > MAX_CURVES:
         raise DataError(f"{len(tidied)} curves: a call takes at most {MAX_CURVES}; split them "
                         "into files of whole concentrations")

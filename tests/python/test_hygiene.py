@@ -90,3 +90,23 @@ def test_reader_dialects_and_errors(tmp_path):
         bad.write_text(text)
         with pytest.raises(qd.DataError, match=message):
             qd.read_curves(bad)
+
+
+def test_long_curves_are_thinned_when_asked():
+    x = np.linspace(0, 8, 1000)
+    curve = qd.Curve("long", 1.0, x, 1.0 + 1.0 / (1.0 + np.exp(-(x - 4.0) * 3.0)))
+    plates, notices = qd.plan_calls([curve], thin_long=True)
+    kept = plates[0].curves[0].denaturant
+    assert len(kept) == 384 and kept[0] == 0.0 and kept[-1] == 8.0
+    assert notices == ["curve long: 1000 points thinned to 384, evenly spaced, the ends kept"]
+
+
+def test_sets_on_an_executor_equal_the_serial_fit():
+    from concurrent.futures import ThreadPoolExecutor
+    sets = [(name, qd.read_curves(DATA / name)) for name in ("plate.csv", "plate3.csv")]
+    options = qd.Options(states=4)
+    serial = qd.fit_sets(sets, options)
+    with ThreadPoolExecutor(max_workers=2) as pool:  # the library is reentrant
+        threaded = qd.fit_sets(sets, options, executor=pool)
+    for a, b in zip(serial, threaded):
+        assert a.lines == b.lines and a.table.equals(b.table)

@@ -1,0 +1,102 @@
+"""Many sets of curves fitted side by side.  A set is what one call of the
+library fits together (a file, or the curves pooled from several); sets
+are independent, so they run on any concurrent.futures.Executor: a process
+pool on one machine, or a Dask cluster's executor across many."""
+from dataclasses import dataclass, field
+
+import numpy as np
+
+from .data import DataError, plan_calls
+from .fit import fit_plate, refit_plate, transitions_of, trend
+
+
+@dataclass
+class Options:
+    states: int = 2
+    temperature: float = 25.0
+    resample: bool = False
+    thin: bool = False
+    exclude: list = field(default_factory=list)  # (curve, point indices or None)
+
+
+@dataclass
+class SetResult:
+    """What the fits of one set give: notices first, then a line per curve
+    and per trend, and the results table (None for a refused set)."""
+    label: str
+    notices: list
+    lines: list
+    table: object = None
+    error: str = None
+
+
+def _choice(fit, exclude):
+    """The automatic mask and all flags 1, with the scientist's exclusions."""
+    names = [c.name for c in fit.curves]
+    n = len(fit.curves[0].point_mask)
+    mask, flags = fit.point_mask.copy(), np.ones(len(names), dtype=np.int32)
+    said = []
+    for name, points in exclude:
+        if name not in names:
+            continue
+        k = names.index(name)
+        if points is None:
+            flags[k] = 0
+            said.append(f"curve {name} left out")
+        else:
+            inside = [p for p in points if 0 <= p < n]
+            mask[k * n + np.array(inside, dtype=int)] = 0
+            said.append(f"curve {name}: points {','.join(map(str, inside))} taken out")
+    return mask, flags, said
+
+
+def fit_set(label, curves, options):
+    """Fits one set of curves; never raises for bad data (the error is in the result)."""
+    try:
+        plates, notices = plan_calls(curves, options.resample, options.thin)
+    except DataError as error:
+        return SetResult(label, [], [], None, str(error))
+    lines, tables = [], []
+    for plate in plates:
+        fit = fit_plate(plate, states=options.states, temperature=options.temperature)
+        flags = None
+        if options.exclude:
+            mask, flags, said = _choice(fit, options.exclude)
+            if said:
+                notices.append("refit under your choice: " + "; ".join(said))
+                fit = refit_plate(plate, mask, flags, options.states, options.temperature)
+        table = fit.table()
+        table.insert(0, "set", label)
+        tables.append(table)
+        for curve in fit.curves:
+            if curve.accepted:
+                values = ", ".join(f"dG{t + 1} {g:.1f} cal/mol, Cm{t + 1} {c:.4g}"
+                                   for t, (g, c) in enumerate(zip(curve.dG, curve.Cm)))
+                lines.append(f"curve {curve.name}: {values}, R2 {curve.r_squared:.5f}, "
+                             f"{curve.kept_points} of {len(curve.point_mask)} points kept")
+            elif flags is not None and flags[fit.curves.index(curve)] == 0:
+                lines.append(f"curve {curve.name}: left out")
+            else:
+                lines.append(f"curve {curve.name}: no accepted fit (code {curve.code}: "
+                             f"{curve.code_text})")
+        if len({c.sample_conc for c in plate.curves}) > 1:
+            for t in range(1, transitions_of(options.states) + 1):
+                line = trend(fit, transition=t, curve_flags=flags)
+                lines.append(f"trend of dG{t} over ln(sample_conc): slope {line.slope:.2f}, "
+                             f"intercept {line.intercept:.2f} cal/mol, R2 {line.r_squared:.4f}")
+    import pandas as pd
+    return SetResult(label, notices, lines, pd.concat(tables, ignore_index=True))
+
+
+def fit_sets(sets, options, executor=None, progress=False):
+    """SetResults of [(label, curves), ...] in the given order, on `executor`
+    when one is given (any concurrent.futures.Executor), else here."""
+    if executor is None:
+        results = (fit_set(label, curves, options) for label, curves in sets)
+    else:
+        futures = [executor.submit(fit_set, label, curves, options) for label, curves in sets]
+        results = (f.result() for f in futures)
+    if progress and len(sets) > 1:
+        from tqdm import tqdm
+        results = tqdm(results, total=len(sets), unit="set", desc="fitting", disable=None)
+    return list(results)
