@@ -14,9 +14,10 @@ Fit chemical denaturation curves and reduce their free energies to a trend
 over sample concentration.
 
 DATA files are CSV (comma, semicolon or tab; decimal commas accepted):
-either the long form with the columns curve, sample_conc, denaturant,
-signal, or one curve in two columns (denaturant, signal) whose sample
-concentration --conc gives.  Each file is fitted on its own unless --pool
+the long form with the columns curve, sample_conc, denaturant, signal;
+one curve in two columns (denaturant, signal) whose sample concentration
+--conc gives; or the wide form, a denaturant column and a signal column per
+curve headed by its sample concentration ("50 uM").  Each file is fitted on its own unless --pool
 puts all curves into one fit.  Every change made to the data (sorting, sign
 flips, offsets, dropped points, resampling) is printed as a note.
 

@@ -91,8 +91,9 @@ def read_table(path):
 
 def read_curves(path, sample_conc=1.0):
     """The curves of a file: the long form (curve, sample_conc, denaturant,
-    signal) or a single curve in two columns (denaturant, signal), whose
-    sample concentration is `sample_conc`."""
+    signal); a single curve in two columns (denaturant, signal), whose sample
+    concentration is `sample_conc`; or the wide form, a denaturant column and
+    a signal column per curve, each headed by its sample concentration."""
     path = Path(path)
     header, rows, lines = read_table(path)
     names = [h.lower() for h in header]
@@ -113,12 +114,23 @@ def read_curves(path, sample_conc=1.0):
             points[key][2].append(_number(cells[at["signal"]], where))
         return [Curve(k, points[k][0], np.array(points[k][1]), np.array(points[k][2]))
                 for k in order]
+    if len(header) < 2:
+        raise DataError(f"{path}:1: expected the columns {', '.join(LONG_COLUMNS)}, two columns "
+                        f"(denaturant, signal) or more (denaturant, then a signal per curve); "
+                        f"found {', '.join(header)}")
+    x = np.array([_number(cells[0], f"{path}:{line}") for cells, line in zip(rows, lines)])
     if len(header) == 2:
-        x = [_number(cells[0], f"{path}:{line}") for cells, line in zip(rows, lines)]
         y = [_number(cells[1], f"{path}:{line}") for cells, line in zip(rows, lines)]
-        return [Curve(path.stem, float(sample_conc), np.array(x), np.array(y))]
-    raise DataError(f"{path}:1: expected the columns {', '.join(LONG_COLUMNS)}, or two columns "
-                    f"(denaturant, signal); found {', '.join(header)}")
+        return [Curve(path.stem, float(sample_conc), x, np.array(y))]
+    # The wide form: a curve per column, its sample concentration the first
+    # number of its heading ("50 uM", "conc=2.5"), else `sample_conc`.
+    curves = []
+    for k, name in enumerate(header[1:], start=1):
+        number = re.search(r"[-+]?\d+(?:[.,]\d+)?(?:[eE][-+]?\d+)?", name)
+        conc = float(number.group().replace(",", ".")) if number else float(sample_conc)
+        y = [_number(cells[k], f"{path}:{line}") for cells, line in zip(rows, lines)]
+        curves.append(Curve(name, conc, x.copy(), np.array(y)))
+    return curves
 
 
 # ---- Hygiene ----------------------------------------------------------------

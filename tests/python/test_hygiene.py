@@ -80,9 +80,15 @@ def test_reader_dialects_and_errors(tmp_path):
     tab = tmp_path / "long.tsv"
     tab.write_text("curve\tsample_conc\tdenaturant\tsignal\nA\t1\t0\t5\nA\t1\t1\t6\nB\t2\t0\t5\n")
     assert [c.name for c in qd.read_curves(tab)] == ["A", "B"]
+    wide = tmp_path / "wide.csv"
+    wide.write_text("urea;50 uM;80,5 uM;blank\n0,0;1,0;2,0;3\n1,0;1,5;2,5;;\n".replace(";;", ";"))
+    curves = qd.read_curves(wide, sample_conc=7.0)
+    assert [(c.name, c.sample_conc) for c in curves] == [("50 uM", 50.0), ("80,5 uM", 80.5),
+                                                         ("blank", 7.0)]
+    assert list(curves[1].signal) == [2.0, 2.5] and np.isnan(curves[2].signal[1])
     for text, message in [("x,y\n1,2\n3,oops\n", r"bad.csv:3: 'oops' is not a number"),
                           ("x,y\n1,2\n3,4,5\n", r"bad.csv:3: 3 fields where the header has 2"),
-                          ("a,b,c\n1,2,3\n", r"bad.csv:1: expected the columns"),
+                          ("a\n1\n", r"bad.csv:1: expected the columns"),
                           ("x,y\n", r"bad.csv: no data"),
                           ("curve,sample_conc,denaturant,signal\nA,1,0,5\nA,2,1,6\n",
                            r"bad.csv:3: curve A changes its sample_conc")]:
