@@ -4,8 +4,8 @@
 # table in build/results.csv.
 set -e
 cd "$(dirname "$0")/.."
-tools/ensure-packages.sh cmake make g++ gcc binutils libgtest-dev libbenchmark-dev \
-  python3-numpy python3-pandas
+tools/ensure-packages.sh cmake make g++ gcc binutils libgtest-dev libbenchmark-dev
+tools/ensure-packages.sh --no-recommends python3-numpy python3-pandas python3-tqdm
 cmake -S . -B build -DCMAKE_BUILD_TYPE=RelWithDebInfo
 cmake --build build -j 2 --target QuentDGtrendFittingEngine
 cd python
