@@ -12,10 +12,10 @@ concentration, through the QuentDGtrendFittingEngine library.
 from ._native import LibraryNotFound
 from .batch import Options, SetResult, fit_set, fit_sets
 from .data import Curve, DataError, Plate, plan_calls, read_curves, resample, thin, tidy
-from .fit import (CurveFit, PlateFit, Trend, code_text, evaluate_row, fit_plate, refit_plate,
-                  trend, version)
+from .fit import (CurveFit, PlateFit, Trend, code_text, evaluate_row, fit_plate, normalize,
+                  refit_plate, trend, version)
 
 __all__ = ["Curve", "CurveFit", "DataError", "LibraryNotFound", "Options", "Plate", "PlateFit",
            "SetResult", "Trend", "code_text", "evaluate_row", "fit_plate", "fit_set", "fit_sets",
-           "plan_calls", "read_curves", "refit_plate", "resample", "thin", "tidy", "trend",
+           "normalize", "plan_calls", "read_curves", "refit_plate", "resample", "thin", "tidy", "trend",
            "version"]

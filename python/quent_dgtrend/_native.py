@@ -76,6 +76,8 @@ def _declare(lib):
         "QUENT_dGtrend_calc": (vec * 2 + [int_p, int_p, ctypes.c_int32] +
                                [ctypes.POINTER(RealArray)] * 3 +
                                [ctypes.POINTER(Int32Array), real_p], None),
+        "QUENT_dGtrend_normalization": (vec + [ctypes.c_double, ctypes.c_double, real_p, int_p],
+                                        None),
         "QUENT_dGtrend_trend": (vec + [real_p, ctypes.c_int32] + [ctypes.POINTER(RealArray)] * 2,
                                 None),
         "QUENT_dGtrend_evaluateRow": ([real_p, ctypes.c_int32, real_p, ctypes.c_int32, real_p,

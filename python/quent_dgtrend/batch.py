@@ -7,7 +7,7 @@ from dataclasses import dataclass, field
 import numpy as np
 
 from .data import DataError, plan_calls
-from .fit import fit_plate, refit_plate, transitions_of, trend
+from .fit import fit_plate, normalize, refit_plate, transitions_of, trend
 
 
 @dataclass
@@ -17,6 +17,7 @@ class Options:
     resample: bool = False
     thin: bool = False
     exclude: list = field(default_factory=list)  # (curve, point indices or None)
+    normalize: bool = False
 
 
 @dataclass
@@ -57,6 +58,11 @@ def fit_set(label, curves, options):
     except DataError as error:
         return SetResult(label, [], [], None, str(error))
     lines, tables = [], []
+    if options.normalize:
+        for plate in plates:
+            for curve in plate.curves:
+                curve.signal = normalize(curve.signal, float(np.max(curve.signal)), 100.0)
+        notices.append("every curve scaled so that its largest signal is 100")
     for plate in plates:
         fit = fit_plate(plate, states=options.states, temperature=options.temperature)
         flags = None

@@ -13,13 +13,14 @@ DESCRIPTION = """\
 Fit chemical denaturation curves and reduce their free energies to a trend
 over sample concentration.
 
-DATA files are CSV (comma, semicolon or tab; decimal commas accepted):
-the long form with the columns curve, sample_conc, denaturant, signal;
-one curve in two columns (denaturant, signal) whose sample concentration
---conc gives; or the wide form, a denaturant column and a signal column per
-curve headed by its sample concentration ("50 uM").  Each file is fitted on its own unless --pool
-puts all curves into one fit.  Every change made to the data (sorting, sign
-flips, offsets, dropped points, resampling) is printed as a note.
+DATA files are CSV (comma, semicolon or tab; decimal commas accepted) or
+.xlsx workbooks (every sheet), in one of three forms: the long form with the
+columns curve, sample_conc, denaturant, signal; one curve in two columns
+(denaturant, signal) whose sample concentration --conc gives; or the wide
+form, a denaturant column and a signal column per curve headed by its sample
+concentration ("50 uM").  Each file is fitted on its own unless --pool puts
+all curves into one fit.  Every change made to the data (sorting, sign
+flips, offsets, dropped points, resampling, scaling) is printed as a note.
 
 example: python3 -m quent_dgtrend fit lcrh/*.csv --conc 50,50,80,80 --pool --resample"""
 
@@ -62,6 +63,9 @@ def _parser():
                           "over the range they share) instead of refusing them")
     fit.add_argument("--thin", action="store_true",
                      help="thin curves longer than the 384 points a fit takes")
+    fit.add_argument("--normalize", action="store_true",
+                     help="scale every curve so that its largest signal is 100 (after the "
+                          "sign and offset changes)")
     fit.add_argument("--exclude", action="append", type=_exclusion, default=[],
                      metavar="CURVE[:POINTS]",
                      help="refit without this curve, or without these points of it (0-based "
@@ -108,7 +112,8 @@ def _sets(args):
 def main(argv=None, out=None):
     out = sys.stdout if out is None else out
     args = _parser().parse_args(argv)
-    options = Options(args.states, args.temperature, args.resample, args.thin, args.exclude)
+    options = Options(args.states, args.temperature, args.resample, args.thin, args.exclude,
+                      args.normalize)
     try:
         sets = _sets(args)
     except DataError as error:

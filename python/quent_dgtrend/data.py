@@ -45,6 +45,8 @@ def _number(text, where):
     text = text.strip()
     if text == "" or text.lower() in ("nan", "na", "n/a", "-"):
         return float("nan")
+    if re.fullmatch(r"[-+]?\d*,\d+(?:[eE][-+]?\d+)?", text):  # a decimal comma
+        text = text.replace(",", ".")
     try:
         return float(text)
     except ValueError:
@@ -62,8 +64,45 @@ def _dialect(text):
     return ",", "."
 
 
+def _xlsx_tables(path):
+    """(sheet name, header, rows of text cells, row numbers) of each sheet of a
+    workbook, with the values as the sheet shows them (formulas computed)."""
+    try:
+        from openpyxl import load_workbook
+    except ImportError:
+        raise DataError(f"{path}: reading .xlsx needs Debian's python3-openpyxl") from None
+    try:
+        book = load_workbook(path, read_only=True, data_only=True)
+    except Exception as error:  # openpyxl raises many kinds for a bad file
+        raise DataError(f"{path}: not a readable .xlsx workbook ({error})") from None
+    tables = []
+    for sheet in book.worksheets:
+        header, rows, lines = None, [], []
+        for number, values in enumerate(sheet.iter_rows(values_only=True), start=1):
+            cells = ["" if v is None else str(v) for v in values]
+            while cells and cells[-1] == "" and (header is None or len(cells) > len(header)):
+                cells.pop()
+            if not any(c.strip() for c in cells):
+                continue
+            if header is None:
+                header = [c.strip() for c in cells]
+                continue
+            cells += [""] * (len(header) - len(cells))
+            if len(cells) != len(header):
+                raise DataError(f"{path}:{sheet.title}:{number}: {len(cells)} fields where the "
+                                f"header has {len(header)}")
+            rows.append(cells)
+            lines.append(number)
+        if header is not None and rows:
+            tables.append((sheet.title, header, rows, lines))
+    book.close()
+    if not tables:
+        raise DataError(f"{path}: no data")
+    return tables
+
+
 def read_table(path):
-    """(header, rows of numbers, line numbers) of a delimited text file."""
+    """(header, rows of text cells, line numbers) of a delimited text file."""
     path = Path(path)
     try:
         text = path.read_text(encoding="utf-8-sig")
@@ -90,12 +129,26 @@ def read_table(path):
 
 
 def read_curves(path, sample_conc=1.0):
-    """The curves of a file: the long form (curve, sample_conc, denaturant,
-    signal); a single curve in two columns (denaturant, signal), whose sample
-    concentration is `sample_conc`; or the wide form, a denaturant column and
-    a signal column per curve, each headed by its sample concentration."""
+    """The curves of a CSV file or of every sheet of an .xlsx workbook: the
+    long form (curve, sample_conc, denaturant, signal); a single curve in two
+    columns (denaturant, signal), whose sample concentration is
+    `sample_conc`; or the wide form, a denaturant column and a signal column
+    per curve, each headed by its sample concentration."""
     path = Path(path)
+    if path.suffix.lower() == ".xlsx":
+        tables = _xlsx_tables(path)
+        curves = []
+        for sheet, header, rows, lines in tables:
+            for curve in _curves_of(Path(f"{path}:{sheet}"), header, rows, lines, sample_conc):
+                if len(tables) > 1:
+                    curve.name = f"{sheet}:{curve.name}"
+                curves.append(curve)
+        return curves
     header, rows, lines = read_table(path)
+    return _curves_of(path, header, rows, lines, sample_conc)
+
+
+def _curves_of(path, header, rows, lines, sample_conc):
     names = [h.lower() for h in header]
     if all(c in names for c in LONG_COLUMNS):
         at = {c: names.index(c) for c in LONG_COLUMNS}

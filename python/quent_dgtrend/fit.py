@@ -267,6 +267,17 @@ def trend(plate_fit, transition=1, curve_flags=None):
                  temperature=plate_fit.temperature)
 
 
+def normalize(values, reference, target):
+    """values * (target / reference) by the library's scaling (the values
+    unchanged when reference is not above 0)."""
+    values, values_p, size = real_vector(values)
+    scaled = np.empty_like(values)
+    scaled_size = (ctypes.c_int32 * 2)()
+    library().QUENT_dGtrend_normalization(values_p, size, reference, target,
+                                          scaled.ctypes.data_as(real_p), scaled_size)
+    return scaled[:scaled_size[1]]
+
+
 def version():
     """The library's version."""
     return library().QUENT_dGtrend_version().decode()

@@ -116,3 +116,33 @@ def test_sets_on_an_executor_equal_the_serial_fit():
         threaded = qd.fit_sets(sets, options, executor=pool)
     for a, b in zip(serial, threaded):
         assert a.lines == b.lines and a.table.equals(b.table)
+
+
+def test_workbooks_every_sheet_in_any_form(tmp_path):
+    openpyxl = pytest.importorskip("openpyxl")
+    book = openpyxl.Workbook()
+    wide = book.active
+    wide.title = "wide"
+    for row in (["urea", "2 uM", "4 uM"], [0.0, 1.0, 2.0], [1.0, 1.5, None]):
+        wide.append(row)
+    single = book.create_sheet("single")
+    for row in (["urea", "signal"], [0.0, 5], [1.0, "6,5"]):
+        single.append(row)
+    path = tmp_path / "plate.xlsx"
+    book.save(path)
+    curves = qd.read_curves(path, sample_conc=3.0)
+    assert [(c.name, c.sample_conc) for c in curves] == [
+        ("wide:2 uM", 2.0), ("wide:4 uM", 4.0), ("single:plate", 3.0)]
+    assert np.isnan(curves[1].signal[1]) and list(curves[2].signal) == [5.0, 6.5]
+    (tmp_path / "broken.xlsx").write_bytes(b"not a workbook")
+    with pytest.raises(qd.DataError, match=r"broken.xlsx: not a readable .xlsx workbook"):
+        qd.read_curves(tmp_path / "broken.xlsx")
+
+
+def test_normalize_scales_through_the_library():
+    assert list(qd.normalize([2.0, 4.0, -1.0], 4.0, 100.0)) == [50.0, 100.0, -25.0]
+    assert list(qd.normalize([2.0, 4.0], 0.0, 100.0)) == [2.0, 4.0]  # no reference: unchanged
+    options = qd.Options(states=3, normalize=True)
+    result = qd.fit_set("tank", qd.read_curves(DATA / "tank/tANK_equilmFluorscence.csv"), options)
+    assert result.notices[-1] == "every curve scaled so that its largest signal is 100"
+    assert "R2 0.99988" in result.lines[0]
