@@ -12,6 +12,8 @@ from .fit import fit_plate, normalize, refit_plate, transitions_of, trend
 
 @dataclass
 class Options:
+    """How a set is fitted: the model family (states), the temperature in
+    degrees Celsius, what may be done to untidy curves, and exclusions."""
     states: int = 2
     temperature: float = 25.0
     resample: bool = False
@@ -80,11 +82,9 @@ def fit_set(label, curves, options):
                                    for t, (g, c) in enumerate(zip(curve.dG, curve.Cm)))
                 lines.append(f"curve {curve.name}: {values}, R2 {curve.r_squared:.5f}, "
                              f"{curve.kept_points} of {len(curve.point_mask)} points kept")
-            elif flags is not None and flags[fit.curves.index(curve)] == 0:
-                lines.append(f"curve {curve.name}: left out")
             else:
-                lines.append(f"curve {curve.name}: no accepted fit (code {curve.code}: "
-                             f"{curve.code_text})")
+                lines.append(f"curve {curve.name}: no accepted fit (code {curve.code}): "
+                             f"{fit.reason(fit.curves.index(curve))}")
         if len({c.sample_conc for c in plate.curves}) > 1:
             for t in range(1, transitions_of(options.states) + 1):
                 line = trend(fit, transition=t, curve_flags=flags)

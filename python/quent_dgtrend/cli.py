@@ -112,6 +112,10 @@ def _sets(args):
 def main(argv=None, out=None):
     out = sys.stdout if out is None else out
     args = _parser().parse_args(argv)
+    if not 0.0 <= args.temperature <= 100.0:
+        print(f"error: --temperature {args.temperature:g}: the fits take 0 to 100 degrees "
+              "Celsius", file=sys.stderr)
+        return 2
     options = Options(args.states, args.temperature, args.resample, args.thin, args.exclude,
                       args.normalize)
     try:

@@ -20,6 +20,7 @@ class DataError(ValueError):
 
 @dataclass
 class Curve:
+    """One measured curve: signal against denaturant, at a sample concentration."""
     name: str
     sample_conc: float
     denaturant: np.ndarray

@@ -14,6 +14,8 @@ TRANSITIONS = {2: 1, 3: 2, 4: 3}
 ENERGY_COLUMNS = (4, 6, 9)
 MIDPOINT_COLUMNS = (5, 7, 10)
 SHARE_COLUMNS = (8, 11)
+# Points a curve needs for a fit of 1, 2 or 3 transitions.
+MIN_POINTS = {1: 8, 2: 16, 3: 24}
 
 
 def transitions_of(states):
@@ -154,10 +156,38 @@ class PlateFit:
     curves: list
     rows: np.ndarray = field(repr=False)
     point_mask: np.ndarray = field(repr=False)
+    curve_flags: np.ndarray = field(default=None, repr=False)  # a refit's choice of curves
 
     def table(self):
         """Every curve's results as a pandas DataFrame, units in the column names."""
-        return _row_table(self.curves)
+        table = _row_table(self.curves)
+        table["reason"] = [self.reason(k) or "" for k in range(len(self.curves))]
+        return table
+
+    def reason(self, k):
+        """Why curve k has no fit, as precisely as the rows of this call tell
+        (None for a fitted curve).  A code 0 names several causes; the other
+        rows and the curve's length narrow them down."""
+        curve = self.curves[k]
+        if curve.accepted:
+            return None
+        if self.curve_flags is not None and self.curve_flags[k] != 1:
+            return "left out by the host"
+        if curve.code != 0:
+            return curve.code_text
+        fewest = MIN_POINTS[curve.transitions]
+        if curve.kept_points < fewest:
+            return (f"the curve has {curve.kept_points} points, fewer than the {fewest} a fit "
+                    f"of {curve.transitions} transition(s) needs")
+        if all(not c.accepted and c.code == 0 for c in self.curves):
+            if len(self.curves) == 1:
+                return "no fit of this curve succeeded: no plausible transition explains it"
+            return ("no curve of the call was fitted: no fit of the plate's reference "
+                    "succeeded (or the call was refused)")
+        if curve.transitions == 1:
+            return ("the refit from the plate's reference found no plausible transition that "
+                    "explains this curve")
+        return curve.code_text
 
 
 def _plate_arrays(plate):
@@ -208,7 +238,9 @@ def refit_plate(plate, point_mask, curve_flags, states=2, temperature=25.0):
                                                 flags_p, flags_size, states, temperature,
                                                 out.real[0])
         rows = Outputs.read(out.real[0])
-    return _plate_fit(plate, states, temperature, rows, mask.copy())
+    fit = _plate_fit(plate, states, temperature, rows, mask.copy())
+    fit.curve_flags = flags.copy()
+    return fit
 
 
 @dataclass

@@ -68,6 +68,10 @@ def test_lcrh_pooled_at_two_concentrations_with_resampling(tmp_path):
     curves = [line for line in printed if ": curve " in line and not line.startswith("note")]
     assert len(curves) == 4
     assert all("R2" in line or "no accepted fit (code" in line for line in curves)
+    # The other rows tell a failed refit from a failed call.
+    assert sum("refit from the plate's reference found no plausible transition" in line
+               for line in curves) == 2
+    assert sum("rejected at the quality gates" in line for line in curves) == 2
 
 
 def test_exclusions_refit_and_jobs_change_nothing(tmp_path):
@@ -78,8 +82,14 @@ def test_exclusions_refit_and_jobs_change_nothing(tmp_path):
     assert main(arguments + ["--out", str(serial)], out=out) == 0
     assert "refit under your choice: curve 3 left out; curve 5: points 0,1,2 taken out" in (
         out.getvalue())
-    assert "plate.csv: curve 3: left out" in out.getvalue()
+    assert "plate.csv: curve 3: no accepted fit (code 0): left out by the host" in out.getvalue()
     assert main(arguments + ["--jobs", "2", "--out", str(parallel)], out=io.StringIO()) == 0
     assert serial.read_text() == parallel.read_text()
     rows = pd.read_csv(serial)
     assert list(rows["points kept"][rows["curve"].astype(str) == "5"]) == [45, 93]
+
+
+def test_a_temperature_outside_0_to_100_is_refused(capsys):
+    out = io.StringIO()
+    assert main(["fit", str(DATA / "plate.csv"), "--temperature", "120"], out=out) == 2
+    assert "the fits take 0 to 100 degrees Celsius" in capsys.readouterr().err

@@ -146,3 +146,15 @@ def test_normalize_scales_through_the_library():
     result = qd.fit_set("tank", qd.read_curves(DATA / "tank/tANK_equilmFluorscence.csv"), options)
     assert result.notices[-1] == "every curve scaled so that its largest signal is 100"
     assert "R2 0.99988" in result.lines[0]
+
+
+def test_reason_of_a_curve_too_short_and_of_a_call_that_fitted_nothing():
+    x = np.linspace(0, 8, 6)
+    short = qd.Plate([qd.Curve("short", 1.0, x, 2.0 - x / 8.0)])
+    fit = qd.fit_plate(short)
+    assert fit.reason(0) == "the curve has 6 points, fewer than the 8 a fit of 1 transition(s) needs"
+    x = np.linspace(0, 8, 30)
+    flat = qd.Plate([qd.Curve(n, c, x, np.full(30, 5.0)) for n, c in (("a", 1.0), ("b", 2.0))])
+    fit = qd.fit_plate(flat)
+    assert fit.reason(1).startswith("no curve of the call was fitted")
+    assert list(fit.table()["reason"]) == [fit.reason(0), fit.reason(1)]
