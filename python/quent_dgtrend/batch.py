@@ -20,6 +20,7 @@ class Options:
     thin: bool = False
     exclude: list = field(default_factory=list)  # (curve, point indices or None)
     normalize: bool = False
+    compare_models: bool = False
 
 
 @dataclass
@@ -85,6 +86,18 @@ def fit_set(label, curves, options):
             else:
                 lines.append(f"curve {curve.name}: no accepted fit (code {curve.code}): "
                              f"{fit.reason(fit.curves.index(curve))}")
+        if options.compare_models:
+            from .compare import RULE, compare_models
+            comparison = compare_models(plate, options.temperature)
+            lines.append(f"model comparison ({RULE}):")
+            for name, rows in comparison.groupby("curve", sort=False):
+                scores = ", ".join(
+                    f"{r.states} states AICc {r.AICc:.2f} BIC {r.BIC:.2f}" if r.accepted
+                    else f"{r.states} states not accepted" for r in rows.itertuples())
+                chosen = rows[rows["preferred"]]
+                verdict = (f"prefers {int(chosen['states'].iloc[0])} states" if len(chosen)
+                           else "no accepted model")
+                lines.append(f"  curve {name}: {verdict} ({scores})")
         if len({c.sample_conc for c in plate.curves}) > 1:
             for t in range(1, transitions_of(options.states) + 1):
                 line = trend(fit, transition=t, curve_flags=flags)

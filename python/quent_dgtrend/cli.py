@@ -70,6 +70,9 @@ def _parser():
                      metavar="CURVE[:POINTS]",
                      help="refit without this curve, or without these points of it (0-based "
                           "in ascending denaturant, like 0-2,5); may be repeated")
+    fit.add_argument("--compare-models", action="store_true",
+                     help="also fit every curve with 2, 3 and 4 states and say which model "
+                          "the data support (AICc, BIC, F-test; the rule is printed)")
     fit.add_argument("--jobs", type=int, default=1, metavar="N",
                      help="fit N sets at once in separate processes (default 1)")
     fit.add_argument("--out", metavar="FILE",
@@ -117,7 +120,7 @@ def main(argv=None, out=None):
               "Celsius", file=sys.stderr)
         return 2
     options = Options(args.states, args.temperature, args.resample, args.thin, args.exclude,
-                      args.normalize)
+                      args.normalize, args.compare_models)
     try:
         sets = _sets(args)
     except DataError as error:
