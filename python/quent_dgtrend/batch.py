@@ -8,6 +8,7 @@ import numpy as np
 
 from .data import DataError, plan_calls
 from .fit import fit_plate, normalize, refit_plate, transitions_of, trend
+from .warnings import curve_warnings
 
 
 @dataclass
@@ -77,6 +78,12 @@ def fit_set(label, curves, options):
         table = fit.table()
         table.insert(0, "set", label)
         tables.append(table)
+        preferred = {}
+        if options.compare_models:
+            from .compare import RULE, compare_models
+            comparison = compare_models(plate, options.temperature)
+            chosen = comparison[comparison["preferred"]]
+            preferred = dict(zip(chosen["curve"], chosen["states"]))
         for curve in fit.curves:
             if curve.accepted:
                 values = ", ".join(f"dG{t + 1} {g:.1f} cal/mol, Cm{t + 1} {c:.4g}"
@@ -86,9 +93,9 @@ def fit_set(label, curves, options):
             else:
                 lines.append(f"curve {curve.name}: no accepted fit (code {curve.code}): "
                              f"{fit.reason(fit.curves.index(curve))}")
+            for warning in curve_warnings(curve, preferred.get(curve.name)):
+                lines.append(f"  warning: curve {curve.name}: {warning}")
         if options.compare_models:
-            from .compare import RULE, compare_models
-            comparison = compare_models(plate, options.temperature)
             lines.append(f"model comparison ({RULE}):")
             for name, rows in comparison.groupby("curve", sort=False):
                 scores = ", ".join(

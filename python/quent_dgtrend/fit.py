@@ -162,6 +162,8 @@ class PlateFit:
         """Every curve's results as a pandas DataFrame, units in the column names."""
         table = _row_table(self.curves)
         table["reason"] = [self.reason(k) or "" for k in range(len(self.curves))]
+        from .warnings import curve_warnings
+        table["warnings"] = ["; ".join(curve_warnings(c)) for c in self.curves]
         return table
 
     def reason(self, k):
