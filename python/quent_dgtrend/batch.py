@@ -22,6 +22,9 @@ class Options:
     exclude: list = field(default_factory=list)  # (curve, point indices or None)
     normalize: bool = False
     compare_models: bool = False
+    bootstrap: int = 0          # replicates; 0 for none
+    seed: int = 0
+    level: float = 0.95
 
 
 @dataclass
@@ -55,8 +58,9 @@ def _choice(fit, exclude):
     return mask, flags, said
 
 
-def fit_set(label, curves, options):
-    """Fits one set of curves; never raises for bad data (the error is in the result)."""
+def fit_set(label, curves, options, executor=None):
+    """Fits one set of curves; never raises for bad data (the error is in the result).
+    The bootstrap replicates run on `executor` when one is given."""
     try:
         plates, notices = plan_calls(curves, options.resample, options.thin)
     except DataError as error:
@@ -105,6 +109,19 @@ def fit_set(label, curves, options):
                 verdict = (f"prefers {int(chosen['states'].iloc[0])} states" if len(chosen)
                            else "no accepted model")
                 lines.append(f"  curve {name}: {verdict} ({scores})")
+        if options.bootstrap > 0:
+            from .bootstrap import bootstrap
+            intervals = bootstrap(plate, options.states, options.temperature, options.bootstrap,
+                                  options.seed, options.level, executor)
+            percent = f"{100 * options.level:g}%"
+            lines.append(f"bootstrap, {options.bootstrap} residual resamplings (seed "
+                         f"{options.seed}), {percent} percentile intervals:")
+            for r in intervals.curves.itertuples():
+                lines.append(f"  curve {r.curve}: {r.parameter} {r.estimate:.4g} in "
+                             f"[{r.low:.4g}, {r.high:.4g}] ({r.fitted_replicates} replicates fitted)")
+            for r in intervals.trend.itertuples():
+                lines.append(f"  trend of dG{r.transition}: {r.parameter} {r.estimate:.2f} in "
+                             f"[{r.low:.2f}, {r.high:.2f}]")
         if len({c.sample_conc for c in plate.curves}) > 1:
             for t in range(1, transitions_of(options.states) + 1):
                 line = trend(fit, transition=t, curve_flags=flags)

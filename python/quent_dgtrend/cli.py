@@ -6,7 +6,7 @@ import tempfile
 from concurrent.futures import ProcessPoolExecutor
 from pathlib import Path
 
-from .batch import Options, fit_sets
+from .batch import Options, fit_set, fit_sets
 from .data import DataError, read_curves
 
 DESCRIPTION = """\
@@ -73,6 +73,13 @@ def _parser():
     fit.add_argument("--compare-models", action="store_true",
                      help="also fit every curve with 2, 3 and 4 states and say which model "
                           "the data support (AICc, BIC, F-test; the rule is printed)")
+    fit.add_argument("--bootstrap", type=int, default=0, metavar="N",
+                     help="N residual resamplings refitted under the original mask: percentile "
+                          "intervals of dG, Cm, m and of the trend's slope and intercept")
+    fit.add_argument("--seed", type=int, default=0, metavar="S",
+                     help="seed of the resampling; the same seed gives the same intervals")
+    fit.add_argument("--level", type=float, default=0.95, metavar="L",
+                     help="level of the intervals (default 0.95)")
     fit.add_argument("--jobs", type=int, default=1, metavar="N",
                      help="fit N sets at once in separate processes (default 1)")
     fit.add_argument("--out", metavar="FILE",
@@ -120,13 +127,18 @@ def main(argv=None, out=None):
               "Celsius", file=sys.stderr)
         return 2
     options = Options(args.states, args.temperature, args.resample, args.thin, args.exclude,
-                      args.normalize, args.compare_models)
+                      args.normalize, args.compare_models, args.bootstrap, args.seed,
+                      args.level)
     try:
         sets = _sets(args)
     except DataError as error:
         print(f"error: {error}", file=sys.stderr)
         return 1
-    if args.jobs > 1:
+    if args.jobs > 1 and args.bootstrap > 0:
+        # The replicates are the long work: they go to the processes, set after set.
+        with ProcessPoolExecutor(max_workers=args.jobs) as pool:
+            results = [fit_set(label, curves, options, pool) for label, curves in sets]
+    elif args.jobs > 1:
         with ProcessPoolExecutor(max_workers=args.jobs) as pool:
             results = fit_sets(sets, options, pool, progress=True)
     else:
