@@ -11,7 +11,7 @@ cd "$(dirname "$0")/.."
 tools/ensure-packages.sh cmake make g++ gcc binutils libgtest-dev libbenchmark-dev \
   clang-14 libclang-rt-14-dev valgrind pkgconf
 tools/ensure-packages.sh --no-recommends python3-numpy python3-pandas python3-pytest \
-  python3-tqdm python3-distributed python3-openpyxl
+  python3-tqdm python3-distributed python3-openpyxl python3-matplotlib tidy
 start=$(date +%s)
 lap() { echo "== $1 done after $(($(date +%s) - start)) s"; }
 

@@ -36,6 +36,8 @@ class SetResult:
     lines: list
     table: object = None
     error: str = None
+    # Per call: {"fit", "flags", "trends", "comparison", "intervals"}, for reports.
+    parts: list = field(default_factory=list)
 
 
 def _choice(fit, exclude):
@@ -65,7 +67,7 @@ def fit_set(label, curves, options, executor=None):
         plates, notices = plan_calls(curves, options.resample, options.thin)
     except DataError as error:
         return SetResult(label, [], [], None, str(error))
-    lines, tables = [], []
+    lines, tables, parts = [], [], []
     if options.normalize:
         for plate in plates:
             for curve in plate.curves:
@@ -82,10 +84,13 @@ def fit_set(label, curves, options, executor=None):
         table = fit.table()
         table.insert(0, "set", label)
         tables.append(table)
+        part = {"fit": fit, "flags": flags, "trends": [], "comparison": None, "intervals": None}
+        parts.append(part)
         preferred = {}
         if options.compare_models:
             from .compare import RULE, compare_models
             comparison = compare_models(plate, options.temperature)
+            part["comparison"] = comparison
             chosen = comparison[comparison["preferred"]]
             preferred = dict(zip(chosen["curve"], chosen["states"]))
         for curve in fit.curves:
@@ -113,6 +118,7 @@ def fit_set(label, curves, options, executor=None):
             from .bootstrap import bootstrap
             intervals = bootstrap(plate, options.states, options.temperature, options.bootstrap,
                                   options.seed, options.level, executor)
+            part["intervals"] = intervals
             percent = f"{100 * options.level:g}%"
             lines.append(f"bootstrap, {options.bootstrap} residual resamplings (seed "
                          f"{options.seed}), {percent} percentile intervals:")
@@ -125,10 +131,11 @@ def fit_set(label, curves, options, executor=None):
         if len({c.sample_conc for c in plate.curves}) > 1:
             for t in range(1, transitions_of(options.states) + 1):
                 line = trend(fit, transition=t, curve_flags=flags)
+                part["trends"].append(line)
                 lines.append(f"trend of dG{t} over ln(sample_conc): slope {line.slope:.2f}, "
                              f"intercept {line.intercept:.2f} cal/mol, R2 {line.r_squared:.4f}")
     import pandas as pd
-    return SetResult(label, notices, lines, pd.concat(tables, ignore_index=True))
+    return SetResult(label, notices, lines, pd.concat(tables, ignore_index=True), None, parts)
 
 
 def fit_sets(sets, options, executor=None, progress=False):

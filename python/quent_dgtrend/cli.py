@@ -82,18 +82,24 @@ def _parser():
                      help="level of the intervals (default 0.95)")
     fit.add_argument("--jobs", type=int, default=1, metavar="N",
                      help="fit N sets at once in separate processes (default 1)")
+    fit.add_argument("--report", metavar="FILE",
+                     help="write one self-contained HTML page of figures and tables "
+                          "(Debian's python3-matplotlib)")
     fit.add_argument("--out", metavar="FILE",
                      help="write the results table (one row per curve) to this CSV file")
     return parser
 
 
-def _write_atomically(frame, path):
+def _write_atomically(write, path):
     """Writes next to `path` under a temporary name and renames: never half a file."""
     folder = os.path.dirname(os.path.abspath(path))
-    handle, temporary = tempfile.mkstemp(dir=folder, prefix=".quent-", suffix=".csv")
+    handle, temporary = tempfile.mkstemp(dir=folder, prefix=".quent-")
     try:
-        with os.fdopen(handle, "w", newline="") as f:
-            frame.to_csv(f, index=False)
+        with os.fdopen(handle, "w", newline="", encoding="utf-8") as f:
+            write(f)
+        umask = os.umask(0)
+        os.umask(umask)
+        os.chmod(temporary, 0o666 & ~umask)
         os.replace(temporary, path)
     except BaseException:
         os.unlink(temporary)
@@ -156,6 +162,12 @@ def main(argv=None, out=None):
         return 1
     if args.out:
         import pandas as pd
-        _write_atomically(pd.concat([r.table for r in results], ignore_index=True), args.out)
+        frame = pd.concat([r.table for r in results], ignore_index=True)
+        _write_atomically(lambda f: frame.to_csv(f, index=False), args.out)
         print(f"results written to {args.out}", file=out)
+    if args.report:
+        from .report import render
+        page = render(results, title="Denaturation fits: " + ", ".join(r.label for r in results))
+        _write_atomically(lambda f: f.write(page), args.report)
+        print(f"report written to {args.report}", file=out)
     return 0
