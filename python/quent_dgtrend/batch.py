@@ -102,7 +102,8 @@ def fit_set(label, curves, options, executor=None):
             else:
                 lines.append(f"curve {curve.name}: no accepted fit (code {curve.code}): "
                              f"{fit.reason(fit.curves.index(curve))}")
-            for warning in curve_warnings(curve, preferred.get(curve.name)):
+            # A curve without a fit has its reason above instead.
+            for warning in curve_warnings(curve, preferred.get(curve.name)) * curve.accepted:
                 lines.append(f"  warning: curve {curve.name}: {warning}")
         if options.compare_models:
             lines.append(f"model comparison ({RULE}):")

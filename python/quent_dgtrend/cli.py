@@ -167,7 +167,9 @@ def main(argv=None, out=None):
         print(f"results written to {args.out}", file=out)
     if args.report:
         from .report import render
-        page = render(results, title="Denaturation fits: " + ", ".join(r.label for r in results))
+        title = ("Denaturation fits: " + results[0].label if len(results) == 1
+                 else f"Denaturation fits of {len(results)} sets")
+        page = render(results, title=title)
         _write_atomically(lambda f: f.write(page), args.report)
         print(f"report written to {args.report}", file=out)
     return 0

@@ -10,7 +10,9 @@ import numpy as np
 from .warnings import curve_warnings
 
 STYLE = """
-body { font-family: sans-serif; margin: 1.5em auto; max-width: 72em; color: #222; }
+body { font-family: sans-serif; margin: 1.5em auto; padding: 0 1em; max-width: 72em;
+       color: #222; }
+svg { max-width: 100%; height: auto; }
 h1 { font-size: 1.5em; } h2 { font-size: 1.25em; margin-top: 2em; } h3 { font-size: 1.05em; }
 table { border-collapse: collapse; font-size: 0.85em; margin: 0.5em 0 1.5em; }
 th, td { border: 1px solid #bbb; padding: 0.2em 0.5em; text-align: right; }
@@ -156,7 +158,7 @@ def render(results, title="Denaturation fits"):
             out.append(f"<figure>{_curves_figure(fit)}<figcaption>Each curve with its fit "
                        f"({fit.states} states, {fit.temperature:g} °C): kept points as dots, "
                        "points the fit dropped as crosses, residuals below.</figcaption></figure>")
-            if part["trends"]:
+            if part["trends"] and any((line.used == 1).any() for line in part["trends"]):
                 out.append(f"<figure>{_trend_figure(fit, part['trends'])}<figcaption>Free "
                            "energy against sample concentration with the trend line and the "
                            "standard deviation of each concentration; the fractions drawn from "
@@ -175,8 +177,10 @@ def render(results, title="Denaturation fits"):
                        "cal/mol, midpoints in the denaturant's unit.</p>")
             out.append('<div class="wide">' + _table(table[shown], (),
                                                      failed=list(~table["accepted"])) + "</div>")
-            remarks = [(c.name, r, w) for c, r, w in zip(fit.curves, table["reason"],
-                                                         table["warnings"]) if r or w]
+            # A curve without a fit has its reason; that of a row refused at the
+            # gates already names them.
+            remarks = [(c.name, r, "" if r else w) for c, r, w in
+                       zip(fit.curves, table["reason"], table["warnings"]) if r or w]
             if remarks:
                 out.append("<p>Curves to look at:</p><ul>" + "".join(
                     f"<li>curve {html.escape(name)}: " +

@@ -67,8 +67,6 @@ def test_lcrh_pooled_at_two_concentrations_with_resampling(tmp_path):
     assert any("one grid of 42 points from 0 to 6.958" in line for line in printed)
     curves = [line for line in printed if ": curve " in line and not line.startswith("note")
               and "warning:" not in line]
-    assert sum("warning: curve 80uM_1: rejected at the quality gates" in line
-               for line in printed) == 1
     assert len(curves) == 4
     assert all("R2" in line or "no accepted fit (code" in line for line in curves)
     # The other rows tell a failed refit from a failed call.
