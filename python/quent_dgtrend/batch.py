@@ -108,17 +108,18 @@ def fit_set(label, curves, options, executor=None):
         if options.compare_models:
             lines.append(f"model comparison ({RULE}):")
             for name, rows in comparison.groupby("curve", sort=False):
+                name = "set as a whole" if name == "(set)" else f"curve {name}"
                 scores = ", ".join(
                     f"{r.states} states AICc {r.AICc:.2f} BIC {r.BIC:.2f}" if r.accepted
                     else f"{r.states} states not accepted" for r in rows.itertuples())
                 chosen = rows[rows["preferred"]]
                 verdict = (f"prefers {int(chosen['states'].iloc[0])} states" if len(chosen)
                            else "no accepted model")
-                lines.append(f"  curve {name}: {verdict} ({scores})")
+                lines.append(f"  {name}: {verdict} ({scores})")
         if options.bootstrap > 0:
             from .bootstrap import bootstrap
             intervals = bootstrap(plate, options.states, options.temperature, options.bootstrap,
-                                  options.seed, options.level, executor)
+                                  options.seed, options.level, executor, progress=True)
             part["intervals"] = intervals
             percent = f"{100 * options.level:g}%"
             lines.append(f"bootstrap, {options.bootstrap} residual resamplings (seed "

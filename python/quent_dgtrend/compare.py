@@ -14,6 +14,8 @@ The rule, fixed before it was run on any measured data:
   - The preferred model starts at the simplest accepted one; a model with
     more transitions replaces it when its AICc is lower and the F-test of
     the two (nested: the extra transitions' parameters) gives p < 0.05.
+  - For the whole set the same rule runs on the sums of RSS, k and n over
+    its curves, among the models accepted on every curve.
 """
 import math
 from dataclasses import dataclass
@@ -144,4 +146,31 @@ def compare_models(plate, temperature=25.0):
                             "F vs simpler": F if sc.states == best else float("nan"),
                             "p": p if sc.states == best else float("nan"),
                             "code_text": sc.code_text})
-    return pd.DataFrame.from_records(records)
+    table = pd.DataFrame.from_records(records)
+    return pd.concat([table, _set_rows(table)], ignore_index=True)
+
+
+SET = "(set)"
+
+
+def _set_rows(table):
+    """The rows of the whole set: sums over its curves, for the models that
+    every curve accepted."""
+    import pandas as pd
+    curves = table[table["curve"] != SET]
+    scores = []
+    for s in STATES:
+        rows = curves[curves["states"] == s]
+        accepted = bool(len(rows)) and bool(rows["accepted"].all())
+        n, k = int(rows["points compared"].sum()), int(rows["parameters k"].sum())
+        rss = float(rows["RSS"].sum()) if accepted else float("nan")
+        aicc, bic = _scores(rss, k, n) if accepted else (float("nan"), float("nan"))
+        scores.append(ModelScore(s, accepted, "", n, k if accepted else 0, rss, aicc, bic))
+    best, F, p = preferred(scores, scores[0].n)
+    return pd.DataFrame.from_records([
+        {"curve": SET, "states": sc.states, "accepted": sc.accepted, "points compared": sc.n,
+         "parameters k": sc.k, "RSS": sc.rss, "AICc": sc.aicc, "BIC": sc.bic,
+         "preferred": sc.states == best, "F vs simpler": F if sc.states == best else float("nan"),
+         "p": p if sc.states == best else float("nan"),
+         "code_text": "accepted on every curve" if sc.accepted else "not accepted on every curve"}
+        for sc in scores])

@@ -20,8 +20,25 @@ DATA = Path(__file__).resolve().parents[2] / "examples" / "data"
 def test_measured_curves_prefer_their_model(path, states):
     plates, _ = qd.plan_calls(qd.read_curves(DATA / path))
     table = qd.compare_models(plates[0])
-    assert list(table["states"][table["preferred"]]) == [states]
-    assert table["points compared"].nunique() == 1  # one set of points for every model
+    curves = table[table["curve"] != "(set)"]
+    assert list(curves["states"][curves["preferred"]]) == [states]
+    assert curves["points compared"].nunique() == 1  # one set of points for every model
+    whole = table[table["curve"] == "(set)"]  # one curve: the set is the curve
+    assert list(whole["states"][whole["preferred"]]) == [states]
+
+
+def test_the_set_sums_its_curves_over_the_models_every_curve_accepted():
+    plate = qd.plan_calls(qd.read_curves(DATA / "plate2.csv"))[0][0]
+    table = qd.compare_models(plate)
+    curves, whole = table[table["curve"] != "(set)"], table[table["curve"] == "(set)"]
+    for s in (2, 3, 4):
+        rows, total = curves[curves["states"] == s], whole[whole["states"] == s].iloc[0]
+        assert total["accepted"] == rows["accepted"].all()
+        assert total["points compared"] == rows["points compared"].sum()
+        if total["accepted"]:
+            assert total["RSS"] == pytest.approx(rows["RSS"].sum())
+            assert total["parameters k"] == rows["parameters k"].sum()
+    assert whole["preferred"].sum() == 1
 
 
 def test_arithmetic_of_the_criteria():
