@@ -46,8 +46,10 @@ def _choice(fit, exclude):
     n = len(fit.curves[0].point_mask)
     mask, flags = fit.point_mask.copy(), np.ones(len(names), dtype=np.int32)
     said = []
+    unknown = []
     for name, points in exclude:
         if name not in names:
+            unknown.append(name)
             continue
         k = names.index(name)
         if points is None:
@@ -57,7 +59,10 @@ def _choice(fit, exclude):
             inside = [p for p in points if 0 <= p < n]
             mask[k * n + np.array(inside, dtype=int)] = 0
             said.append(f"curve {name}: points {','.join(map(str, inside))} taken out")
-    return mask, flags, said
+            if len(inside) < len(points):
+                said.append(f"curve {name} has points 0 to {n - 1} only; the others asked for "
+                            "were ignored")
+    return mask, flags, said, unknown
 
 
 def fit_set(label, curves, options, executor=None):
@@ -77,7 +82,10 @@ def fit_set(label, curves, options, executor=None):
         fit = fit_plate(plate, states=options.states, temperature=options.temperature)
         flags = None
         if options.exclude:
-            mask, flags, said = _choice(fit, options.exclude)
+            mask, flags, said, unknown = _choice(fit, options.exclude)
+            if unknown:
+                notices.append("no curve " + ", ".join(unknown) + " here to exclude; curves "
+                               "are " + ", ".join(c.name for c in fit.curves))
             if said:
                 notices.append("refit under your choice: " + "; ".join(said))
                 fit = refit_plate(plate, mask, flags, options.states, options.temperature)
@@ -134,8 +142,15 @@ def fit_set(label, curves, options, executor=None):
             for t in range(1, transitions_of(options.states) + 1):
                 line = trend(fit, transition=t, curve_flags=flags)
                 part["trends"].append(line)
+                used = int((line.used == 1).sum())
+                if used == 0:
+                    lines.append(f"no trend of dG{t}: no curve has an accepted fit")
+                    continue
+                flat = (" (slope 0: the library keeps a flat line when the trend does not "
+                        "beat the scatter)" if line.slope == 0.0 else "")
                 lines.append(f"trend of dG{t} over ln(sample_conc): slope {line.slope:.2f}, "
-                             f"intercept {line.intercept:.2f} cal/mol, R2 {line.r_squared:.4f}")
+                             f"intercept {line.intercept:.2f} cal/mol, R2 {line.r_squared:.4f}, "
+                             f"{used} concentrations with fits{flat}")
     import pandas as pd
     return SetResult(label, notices, lines, pd.concat(tables, ignore_index=True), None, parts)
 

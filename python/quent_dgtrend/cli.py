@@ -40,6 +40,27 @@ def _exclusion(text):
     return (name, chosen)
 
 
+def _positive(text):
+    value = int(text)
+    if value < 1:
+        raise argparse.ArgumentTypeError(f"'{text}': at least 1")
+    return value
+
+
+def _count(text):
+    value = int(text)
+    if value < 0:
+        raise argparse.ArgumentTypeError(f"'{text}': 0 or more")
+    return value
+
+
+def _concentrations(text):
+    try:
+        return [float(c) for c in text.split(",")]
+    except ValueError:
+        raise argparse.ArgumentTypeError(f"'{text}': numbers separated by commas") from None
+
+
 def _parser():
     parser = argparse.ArgumentParser(prog="python3 -m quent_dgtrend", description=DESCRIPTION,
                                      formatter_class=argparse.RawDescriptionHelpFormatter)
@@ -53,7 +74,7 @@ def _parser():
                           "one intermediate; 4: three transitions (default 2)")
     fit.add_argument("--temperature", type=float, default=25.0, metavar="C",
                      help="temperature in degrees Celsius, 0 to 100 (default 25)")
-    fit.add_argument("--conc", default="1", metavar="C[,C...]",
+    fit.add_argument("--conc", type=_concentrations, default=[1.0], metavar="C[,C...]",
                      help="sample concentration of two-column curves: one value for all, or "
                           "one per file in order (default 1)")
     fit.add_argument("--pool", action="store_true",
@@ -73,14 +94,14 @@ def _parser():
     fit.add_argument("--compare-models", action="store_true",
                      help="also fit every curve with 2, 3 and 4 states and say which model "
                           "the data support (AICc, BIC, F-test; the rule is printed)")
-    fit.add_argument("--bootstrap", type=int, default=0, metavar="N",
+    fit.add_argument("--bootstrap", type=_count, default=0, metavar="N",
                      help="N residual resamplings refitted under the original mask: percentile "
                           "intervals of dG, Cm, m and of the trend's slope and intercept")
     fit.add_argument("--seed", type=int, default=0, metavar="S",
                      help="seed of the resampling; the same seed gives the same intervals")
     fit.add_argument("--level", type=float, default=0.95, metavar="L",
                      help="level of the intervals (default 0.95)")
-    fit.add_argument("--jobs", type=int, default=1, metavar="N",
+    fit.add_argument("--jobs", type=_positive, default=1, metavar="N",
                      help="fit N sets at once in separate processes (default 1)")
     fit.add_argument("--report", metavar="FILE",
                      help="write one self-contained HTML page of figures and tables "
@@ -93,7 +114,10 @@ def _parser():
 def _write_atomically(write, path):
     """Writes next to `path` under a temporary name and renames: never half a file."""
     folder = os.path.dirname(os.path.abspath(path))
-    handle, temporary = tempfile.mkstemp(dir=folder, prefix=".quent-")
+    try:
+        handle, temporary = tempfile.mkstemp(dir=folder, prefix=".quent-")
+    except OSError as error:
+        raise OSError(error.errno, error.strerror, path) from None
     try:
         with os.fdopen(handle, "w", newline="", encoding="utf-8") as f:
             write(f)
@@ -107,7 +131,7 @@ def _write_atomically(write, path):
 
 
 def _sets(args):
-    concs = [float(c) for c in args.conc.split(",")]
+    concs = args.conc
     if len(concs) not in (1, len(args.data)):
         raise DataError(f"--conc gives {len(concs)} values for {len(args.data)} files")
     per_file = []
@@ -160,16 +184,21 @@ def main(argv=None, out=None):
             failed = True
     if failed:
         return 1
-    if args.out:
-        import pandas as pd
-        frame = pd.concat([r.table for r in results], ignore_index=True)
-        _write_atomically(lambda f: frame.to_csv(f, index=False), args.out)
-        print(f"results written to {args.out}", file=out)
-    if args.report:
-        from .report import render
-        title = ("Denaturation fits: " + results[0].label if len(results) == 1
-                 else f"Denaturation fits of {len(results)} sets")
-        page = render(results, title=title)
-        _write_atomically(lambda f: f.write(page), args.report)
-        print(f"report written to {args.report}", file=out)
+    try:
+        if args.out:
+            import pandas as pd
+            frame = pd.concat([r.table for r in results], ignore_index=True)
+            _write_atomically(lambda f: frame.to_csv(f, index=False), args.out)
+            print(f"results written to {args.out}", file=out)
+        if args.report:
+            from .report import render
+            title = ("Denaturation fits: " + results[0].label if len(results) == 1
+                     else f"Denaturation fits of {len(results)} sets")
+            page = render(results, title=title)
+            _write_atomically(lambda f: f.write(page), args.report)
+            print(f"report written to {args.report}", file=out)
+    except OSError as error:
+        print(f"error: {error.filename or ''}: cannot be written ({error.strerror})",
+              file=sys.stderr)
+        return 1
     return 0

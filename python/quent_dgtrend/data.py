@@ -34,6 +34,7 @@ class Plate:
 
     @property
     def points_per_curve(self):
+        """Points of each curve (they are equal)."""
         return len(self.curves[0].denaturant) if self.curves else 0
 
 

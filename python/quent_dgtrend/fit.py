@@ -58,18 +58,22 @@ class CurveFit:
 
     @property
     def accepted(self):
+        """Whether the library accepted a fit (column 12, RT, above 0)."""
         return bool(self.row[12] > 0.0)
 
     @property
     def code(self):
+        """The code of the step that wrote the row (column 13)."""
         return int(self.row[13])
 
     @property
     def code_text(self):
+        """What the code means, in words."""
         return code_text(self.row, self.states)
 
     @property
     def transitions(self):
+        """Transitions of the model fitted (states - 1)."""
         return transitions_of(self.states)
 
     @property
@@ -79,6 +83,7 @@ class CurveFit:
 
     @property
     def unfolded_baseline(self):
+        """(intercept, slope) of the unfolded baseline."""
         return float(self.row[2]), float(self.row[3])
 
     @property
@@ -103,6 +108,7 @@ class CurveFit:
 
     @property
     def r_squared(self):
+        """R squared on the kept points (column 14)."""
         return float(self.row[14])
 
     @property
@@ -112,6 +118,7 @@ class CurveFit:
 
     @property
     def kept_points(self):
+        """How many points the fit kept."""
         return int(np.sum(self.point_mask == 1))
 
     def fitted_curve(self, denaturant=None):
@@ -260,6 +267,7 @@ class Trend:
     temperature: float
 
     def table(self):
+        """The per-concentration values as a DataFrame."""
         import pandas as pd
         return pd.DataFrame({"sample_conc": self.conc, "mean dG (cal/mol)": self.mean_dG,
                              "sd dG (cal/mol)": self.deviation, "used": self.used})

@@ -94,3 +94,19 @@ def test_a_temperature_outside_0_to_100_is_refused(capsys):
     out = io.StringIO()
     assert main(["fit", str(DATA / "plate.csv"), "--temperature", "120"], out=out) == 2
     assert "the fits take 0 to 100 degrees Celsius" in capsys.readouterr().err
+
+
+def test_options_and_outputs_that_cannot_be_used_say_so(tmp_path, capsys):
+    plate = str(DATA / "plate.csv")
+    for bad in (["--conc", "abc"], ["--jobs", "0"], ["--bootstrap", "-5"]):
+        with pytest.raises(SystemExit):
+            main(["fit", plate, *bad], out=io.StringIO())
+        assert "error: argument" in capsys.readouterr().err
+    missing = tmp_path / "no" / "results.csv"
+    assert main(["fit", plate, "--out", str(missing)], out=io.StringIO()) == 1
+    assert capsys.readouterr().err == f"error: {missing}: cannot be written (No such file or directory)\n"
+    out = io.StringIO()
+    assert main(["fit", plate, "--exclude", "nosuch", "--exclude", "2:46-50"], out=out) == 0
+    printed = out.getvalue()
+    assert "no curve nosuch here to exclude; curves are 0, 1, 2," in printed
+    assert "curve 2: points 46,47 taken out; curve 2 has points 0 to 47 only" in printed
