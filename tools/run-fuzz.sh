@@ -14,15 +14,15 @@ targets=${*:-"fuzz_primary_fit fuzz_user_primary_fit fuzz_calc fuzz_normalizatio
 for target in $targets; do
   work=build-clang/fuzz-corpus/$target
   mkdir -p "$work" build-clang/fuzz-findings
-  printf '%-24s ' "$target"
   if ! build-clang/tests/fuzz/$target -max_total_time="$seconds" -timeout=60 -rss_limit_mb=4096 \
       -artifact_prefix=build-clang/fuzz-findings/$target- -print_final_stats=1 \
       "$work" tests/fuzz/corpus/$target > build-clang/fuzz-findings/$target.log 2>&1; then
-    echo "FINDING"
+    printf '%-24s FINDING\n' "$target"
     tail -40 build-clang/fuzz-findings/$target.log
     exit 1
   fi
-  grep -E '^stat::number_of_executed_units|cov:' build-clang/fuzz-findings/$target.log |
-    tail -2 | tr '\n' ' ' | sed 's/stat::number_of_executed_units: */runs /'
-  echo
+  # One whole line per target, so that runs side by side do not mix their output.
+  printf '%-24s %s\n' "$target" "$(grep -E '^stat::number_of_executed_units|cov:' \
+    build-clang/fuzz-findings/$target.log | tail -2 | tr '\n' ' ' |
+    sed 's/stat::number_of_executed_units: */runs /')"
 done

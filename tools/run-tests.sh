@@ -28,7 +28,13 @@ CC=clang-14 CXX=clang++-14 cmake -S . -B build-clang -DCMAKE_BUILD_TYPE=RelWithD
 cmake --build build-clang -j 2
 ctest --test-dir build-clang -j 2 --output-on-failure --timeout 300
 lap "clang sanitizer build and tests"
-tools/run-fuzz.sh 3
+# Two targets at a time, one on each core.
+tools/run-fuzz.sh 3 fuzz_primary_fit fuzz_calc fuzz_trend fuzz_fragg fuzz_wrapper_real \
+  fuzz_evaluate_row &
+first_half=$!
+tools/run-fuzz.sh 3 fuzz_user_primary_fit fuzz_normalization fuzz_fd fuzz_fraggfd \
+  fuzz_wrapper_int32 fuzz_code_text
+wait $first_half
 lap "fuzz targets"
 
 cmake -S . -B build-tsan -DCMAKE_BUILD_TYPE=RelWithDebInfo -DQUENT_SANITIZE_THREADS=ON \
