@@ -103,6 +103,12 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__.split("\n\n")[0])
     parser.add_argument("--repeat", type=int, default=3, help="timed runs of each (best kept)")
     args = parser.parse_args()
+    try:
+        import scipy.optimize  # noqa: F401
+    except ImportError:
+        print("side_by_side: needs Debian's python3-scipy (apt-get install python3-scipy)",
+              file=sys.stderr)
+        return 2
     print(f"library {qd.version()}; best of {args.repeat} runs each\n")
     print(f"{'plate':>22} {'library':>10} {'curve_fit':>10} {'ratio':>7}   "
           f"{'fits':>9} {'dG1 err':>8} {'Cm1 err':>8}")
@@ -133,4 +139,4 @@ def main():
 
 
 if __name__ == "__main__":
-    main()
+    sys.exit(main())
