@@ -111,8 +111,9 @@ def fit_set(label, curves, options, executor=None):
                 lines.append(f"curve {curve.name}: no accepted fit (code {curve.code}): "
                              f"{fit.reason(fit.curves.index(curve))}")
             # A curve without a fit has its reason above instead.
-            for warning in curve_warnings(curve, preferred.get(curve.name)) * curve.accepted:
-                lines.append(f"  warning: curve {curve.name}: {warning}")
+            if curve.accepted:
+                for warning in curve_warnings(curve, preferred.get(curve.name)):
+                    lines.append(f"  warning: curve {curve.name}: {warning}")
         if options.compare_models:
             lines.append(f"model comparison ({RULE}):")
             for name, rows in comparison.groupby("curve", sort=False):
